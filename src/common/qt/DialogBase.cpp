@@ -1,0 +1,144 @@
+#include "common/qt/DialogBase.h"
+
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "common/Messages.h"
+#include "common/qt/FormControls.h"
+
+namespace gantrix {
+
+DialogBase::DialogBase(ModuleState& state, const QString& formName) : FormBase(state, formName) {}
+
+bool& DialogBase::DataChangedFlag() {
+    return State().DataChanged;
+}
+
+void DialogBase::FinishLoad() {
+    DataChangedFlag() = false;
+    loaded_ = State().image;
+    for (QWidget* child : findChildren<QWidget*>()) RegisterNumberedControl(child);
+    for (QPushButton* button : findChildren<QPushButton*>()) {
+        // Enter presses the focused button (FormBase), never a dialog default.
+        button->setAutoDefault(false);
+        button->setDefault(false);
+    }
+    for (QWidget* field : order_) {
+        if (field->isEnabled() && !field->isHidden()) {
+            field->setFocus();
+            break;
+        }
+    }
+}
+
+void DialogBase::SetFieldOrder(std::vector<QWidget*> order) {
+    order_ = std::move(order);
+}
+
+void DialogBase::SetButtons(QPushButton* ok, QPushButton* cancel, QPushButton* clear) {
+    ok_ = ok;
+    cancel_ = cancel;
+    clear_ = clear;
+    if (ok_) connect(ok_, &QPushButton::clicked, this, [this] { Guard([this] { OK_Click(); }); });
+    if (cancel_) {
+        connect(cancel_, &QPushButton::clicked, this,
+                [this] { Guard([this] { Cancel_Click(); }); });
+    }
+    if (clear_) {
+        connect(clear_, &QPushButton::clicked, this, [this] { Guard([this] { Clear_Click(); }); });
+    }
+}
+
+int DialogBase::IndexInOrder(QWidget* widget) const {
+    for (QWidget* w = widget; w; w = w->parentWidget()) {
+        for (size_t i = 0; i < order_.size(); ++i) {
+            if (order_[i] == w) return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+void DialogBase::FocusNextField(QWidget* from) {
+    const int index = IndexInOrder(from);
+    for (size_t i = static_cast<size_t>(index + 1); i < order_.size(); ++i) {
+        if (order_[i]->isEnabled() && order_[i]->isVisibleTo(this)) {
+            order_[i]->setFocus();
+            return;
+        }
+    }
+    if (ok_) ok_->setFocus();
+}
+
+void DialogBase::FocusPreviousField(QWidget* from) {
+    const int index = IndexInOrder(from);
+    for (int i = index - 1; i >= 0; --i) {
+        if (order_[i]->isEnabled() && order_[i]->isVisibleTo(this)) {
+            order_[i]->setFocus();
+            return;
+        }
+    }
+}
+
+bool DialogBase::FormKeyDown(QKeyEvent* event, QWidget* focus) {
+    switch (event->key()) {
+        case Qt::Key_End:
+            OK_Click();
+            return true;
+        case Qt::Key_Left:
+        case Qt::Key_Up:
+            if (IndexInOrder(focus) < 0) return false;
+            FocusPreviousField(focus);
+            return true;
+        case Qt::Key_Right:
+        case Qt::Key_Down:
+            if (IndexInOrder(focus) < 0) return false;
+            FocusNextField(focus);
+            return true;
+        case Qt::Key_PageUp:
+            ChangePageKey(false);
+            return true;
+        case Qt::Key_PageDown:
+            ChangePageKey(true);
+            return true;
+        default:
+            return false;
+    }
+}
+
+void DialogBase::OK_Click() {
+    if (!CheckSettings()) return;
+    SaveSettings();
+    DataChangedFlag() = false;
+    State().ParamChanged = true;
+    Unload(true);
+}
+
+void DialogBase::Cancel_Click() {
+    if (DataChangedFlag()) {
+        if (ShowMessage(State(), 1) != "YES") return;
+        DataChangedFlag() = false;
+    }
+    Unload(false);
+}
+
+void DialogBase::Clear_Click() {
+    if (ShowMessage(State(), 12) != "YES") return;
+    SetDefaults();
+    ShowMessage(State(), 10);
+}
+
+void DialogBase::reject() {
+    Guard([this] { Cancel_Click(); });
+}
+
+void DialogBase::ErrorExit(const std::string& description) {
+    // Nothing of a dialog that failed may stay in the image.
+    State().image = loaded_;
+    State().PendingErrorDescription = description;
+    ShowMessage(State(), 0);
+    State().PendingErrorDescription.clear();
+    Unload(false);
+}
+
+}  // namespace gantrix

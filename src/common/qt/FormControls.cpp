@@ -1,0 +1,104 @@
+#include "common/qt/FormControls.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPointer>
+#include <QWidget>
+#include <map>
+
+#include "common/ControlNumbers.h"
+#include "common/InputRoutines.h"
+
+namespace gantrix {
+namespace {
+
+std::map<int, QPointer<QWidget>>& Numbered() {
+    static std::map<int, QPointer<QWidget>> controls;
+    return controls;
+}
+
+const QColor kErrorYellow(255, 255, 0);
+
+template <typename Clean>
+void CleanLineEdit(QLineEdit* box, Clean clean) {
+    TextBoxState state{box->text().toStdString(), box->cursorPosition()};
+    clean(state);
+    const QString cleaned = QString::fromStdString(state.text);
+    if (cleaned != box->text()) box->setText(cleaned);
+    box->setCursorPosition(state.caret);
+}
+
+}  // namespace
+
+int KeyAsciiOf(const QKeyEvent* event) {
+    switch (event->key()) {
+        case Qt::Key_Return:
+        case Qt::Key_Enter:
+            return 13;
+        case Qt::Key_Backspace:
+            return 8;
+        case Qt::Key_Escape:
+            return 27;
+        case Qt::Key_Tab:
+        case Qt::Key_Backtab:
+            return -1;  // moves the focus; delivers no character
+        default:
+            break;
+    }
+    const QString text = event->text();
+    if (text.size() != 1) return -1;
+    const char16_t c = text.at(0).unicode();
+    return c < 128 ? static_cast<int>(c) : -1;
+}
+
+void CheckDecimalText(QLineEdit* box) {
+    CleanLineEdit(box, [](TextBoxState& s) { gantrix::CheckDecimalText(s); });
+}
+
+void CheckHexText(QLineEdit* box) {
+    CleanLineEdit(box, [](TextBoxState& s) { gantrix::CheckHexText(s); });
+}
+
+long ValueOf(const QLineEdit* box) {
+    return gantrix::ValueOf(box->text().toStdString());
+}
+
+int ControlNumberOf(const QWidget* widget) {
+    if (widget == nullptr || widget->window() == nullptr) return -1;
+    const std::string form = widget->window()->objectName().toStdString();
+    const std::string name = widget->objectName().toStdString();
+    const int number = GetControlNo(form, name);
+    const ControlName back = ControlNameOf(number);
+    return back.form == form && back.control == name ? number : -1;
+}
+
+void RegisterNumberedControl(QWidget* control) {
+    const int number = ControlNumberOf(control);
+    if (number >= 0) Numbered()[number] = control;
+}
+
+QWidget* ControlOfNumber(int number) {
+    const auto it = Numbered().find(number);
+    return it == Numbered().end() ? nullptr : it->second.data();
+}
+
+void SetErrorColor(int number) {
+    if (QWidget* control = ControlOfNumber(number)) {
+        QPalette palette = control->palette();
+        palette.setColor(QPalette::Base, kErrorYellow);
+        control->setPalette(palette);
+    }
+}
+
+void ResetErrorColor(QWidget* control) {
+    QPalette palette = control->palette();
+    palette.setColor(QPalette::Base, QApplication::palette(control).color(QPalette::Base));
+    control->setPalette(palette);
+}
+
+bool HasErrorColor(const QWidget* control) {
+    return control->palette().color(QPalette::Base) == kErrorYellow;
+}
+
+}  // namespace gantrix

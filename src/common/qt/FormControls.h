@@ -1,0 +1,43 @@
+#pragma once
+// Small bridges between the pure input routines and Qt widgets.
+
+#include <QString>
+
+class QKeyEvent;
+class QLineEdit;
+class QWidget;
+
+namespace gantrix {
+
+// The character code a key press delivers (Enter 13, Backspace 8, printable ASCII as
+// typed, control characters), or -1 for a key that delivers none (arrows, function keys).
+int KeyAsciiOf(const QKeyEvent* event);
+
+// CheckDecimalText / CheckHexText on a line edit; the text is set only when it changes, so
+// a clean text does not raise a second change.
+void CheckDecimalText(QLineEdit* box);
+void CheckHexText(QLineEdit* box);
+
+// The decimal value of a line edit's text (blanks skipped, empty is 0).
+long ValueOf(const QLineEdit* box);
+
+// The global control number of a widget, from its form's and its own object names; -1 when
+// it has none.
+int ControlNumberOf(const QWidget* widget);
+
+// Paints the control with that number yellow (red 255, green 255, blue 0), if it is shown.
+void SetErrorColor(int number);
+
+// Gives a control the system window-background colour again.
+void ResetErrorColor(QWidget* control);
+
+// Whether a control is painted as an error (for tests and for the dialogs' own checks).
+bool HasErrorColor(const QWidget* control);
+
+// The live control of a number, or nullptr.
+QWidget* ControlOfNumber(int number);
+
+// Makes a control known under its number (done by DialogBase for its numbered controls).
+void RegisterNumberedControl(QWidget* control);
+
+}  // namespace gantrix

@@ -1,0 +1,36 @@
+#pragma once
+// The component's one class: the host sets the eight properties and calls Param_main, which
+// runs the whole parameter mode modally and says whether the parameters were saved.
+
+#include <cstdint>
+#include <string>
+
+namespace gantrix {
+
+struct ModuleState;
+
+class RKParam {
+  public:
+    // The properties, in the order of the automation interface.
+    std::string szPcName;            // CPU type code, e.g. "A3 "
+    std::string ProjectName;         // project directory; "/" is appended when missing
+    bool ContentChangeFlag = false;  // in: the host's change state; out: True after OK
+    std::string LanguageMode;        // accepted and not used
+    bool blnSubEditing1 = false;
+    bool blnSubEditing2 = false;
+    bool blnSubEditing3 = false;
+    intptr_t hParentWnd = 0;  // receives WM_COMMAND 60000
+
+    // 1 when "param.tmp" was rewritten, 0 otherwise. A runtime error (a failing file
+    // operation, a device size that does not fit) is thrown to the caller.
+    int16_t Param_main();
+};
+
+// The state shared by every call in this process, as the original kept one image per
+// process.
+ModuleState& ProcessModuleState();
+
+// Makes sure a QApplication exists (the host's, or one of the component's own).
+void EnsureApplication();
+
+}  // namespace gantrix

@@ -1,0 +1,15 @@
+// The forms tests run on Qt's offscreen platform, so they need no display.
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+
+#include "entry/RKParam.h"
+
+int main(int argc, char** argv) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    gantrix::EnsureApplication();
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,127 @@
+#include "support/core/TestSupport.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "platform/rkcmnt/DefaultImage.h"
+#include "platform/rkcmnt/DeviceTable.h"
+#include "store/Project.h"
+
+namespace gantrix::test {
+
+namespace fs = std::filesystem;
+
+TempDir::TempDir() {
+    std::string pattern = (fs::temp_directory_path() / "gantrix-test-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp failed");
+    path_ = pattern + "/";
+}
+
+TempDir::~TempDir() {
+    std::error_code ignored;
+    // Directories made unwritable by a test must not keep their contents.
+    fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
+    fs::remove_all(path_, ignored);
+}
+
+bool TempDir::Exists(const std::string& name) const {
+    return fs::exists(path_ + name);
+}
+
+std::vector<uint8_t> TempDir::Read(const std::string& name) const {
+    std::ifstream in(path_ + name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+void TempDir::Write(const std::string& name, const std::vector<uint8_t>& bytes) const {
+    std::ofstream out(path_ + name, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()),
+              static_cast<std::streamsize>(bytes.size()));
+}
+
+void TempDir::WriteText(const std::string& name, const std::string& text) const {
+    std::ofstream(path_ + name) << text;
+}
+
+std::vector<std::string> TempDir::List() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+TempProject::TempProject(const std::string& cpuType) : cpu_(cpuType) {
+    CreateProject(cpuType, Path(), false);
+}
+
+ParameterImage TempProject::ParamTmp() const {
+    const auto bytes = Read("param.tmp");
+    if (bytes.size() != kImageSize) throw std::runtime_error("param.tmp is not 3072 bytes");
+    ParameterImage image;
+    std::copy(bytes.begin(), bytes.end(), image.bytes().begin());
+    return image;
+}
+
+void TempProject::SetParamTmp(const ParameterImage& image) const {
+    Write("param.tmp", {image.bytes().begin(), image.bytes().end()});
+}
+
+ParameterImage DefaultImage(const std::string& cpuType) {
+    ParameterImage image;
+    if (!platform::BuildDefaultImage(cpuType, image.data())) {
+        throw std::runtime_error("no default image for \"" + cpuType + "\"");
+    }
+    return image;
+}
+
+ModuleState StateFor(const std::string& cpuType, const std::string& projectDir) {
+    ModuleState state;
+    state.CpuType = cpuType;
+    state.CpuCode = CpuCodeOf(cpuType);
+    state.ProjectDir = projectDir;
+    if (const auto* sizes = platform::FindDeviceSizes(cpuType)) {
+        state.image = DefaultImage(cpuType);
+        for (char letter : DeviceMaxSizes::kLetters) {
+            state.DeviceMaxSize[letter] = static_cast<int16_t>(*sizes->Of(letter));
+        }
+    }
+    return state;
+}
+
+MessageButton ScriptedMessages::Present(const MessageBoxSpec& box) {
+    shown.push_back(box);
+    if (!answers.empty()) {
+        const MessageButton answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    switch (box.style) {
+        case kStyleYesNoNoDefault:
+            return MessageButton::No;
+        case kStyleYesNoYesDefault:
+            return MessageButton::Yes;
+        default:
+            return MessageButton::Ok;
+    }
+}
+
+std::vector<int> ScriptedMessages::Numbers() const {
+    std::vector<int> numbers;
+    for (const auto& box : shown) numbers.push_back(box.number);
+    return numbers;
+}
+
+std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b) {
+    std::vector<int> indices;
+    for (int i = 0; i < kImageSize; ++i) {
+        if (a[i] != b[i]) indices.push_back(i);
+    }
+    return indices;
+}
+
+}  // namespace gantrix::test
