@@ -79,11 +79,16 @@ bool FormBase::eventFilter(QObject* watched, QEvent* event) {
     if (target->window() != this) return false;
     // A key a control ignores is passed on to its parents as the same event; it is handled
     // at its first receiver only.
-    if (event == lastKeyEvent_ && lastKeyTarget_ && target->isAncestorOf(lastKeyTarget_)) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (event == lastKeyEvent_ && lastKeyTarget_ && target != lastKeyTarget_ &&
+        target->isAncestorOf(lastKeyTarget_) && key->key() == lastKey_ &&
+        key->timestamp() == lastKeyTime_) {
         return false;
     }
     lastKeyEvent_ = event;
     lastKeyTarget_ = target;
+    lastKey_ = key->key();
+    lastKeyTime_ = key->timestamp();
     return HandleKeyPress(target, static_cast<QKeyEvent*>(event));
 }
 

@@ -58,6 +58,8 @@ class FormBase : public QDialog {
     bool centred_ = false;
     const QEvent* lastKeyEvent_ = nullptr;
     QPointer<QWidget> lastKeyTarget_;
+    int lastKey_ = 0;
+    quint64 lastKeyTime_ = 0;
 };
 
 }  // namespace gantrix

@@ -1,0 +1,205 @@
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <unistd.h>
+#include <QLabel>
+#include <QPushButton>
+#include <QTest>
+
+#include <cstdio>
+
+#include "common/qt/DialogRegistry.h"
+#include "menus/frmMenu.h"
+#include "store/ParameterFiles.h"
+#include "support/ModalDriver.h"
+#include "support/core/TestSupport.h"
+
+namespace gantrix {
+namespace {
+
+using test::PressKey;
+using test::ScriptedMessages;
+using test::TempProject;
+
+// A menu on a project of cpu, as the entry call sets it up, with scripted message boxes.
+struct MenuFixture {
+    TempProject project;
+    ModuleState state;
+    ScriptedMessages messages;
+    std::unique_ptr<frmMenu> menu;
+
+    explicit MenuFixture(const std::string& cpu)
+        : project(cpu), state(test::StateFor(cpu, project.Path())) {
+        state.Presenter = &messages;
+        CopyWorkFiles(state);
+        menu = std::make_unique<frmMenu>(state);
+        menu->show();
+    }
+    bool Closed() const { return !menu->isVisible(); }
+};
+
+TEST(frmMenu, CaptionsAndTheSmallestCpusDisabledItems) {
+    MenuFixture f("A3 ");
+    EXPECT_EQ(f.menu->windowTitle(), "Parameter");
+    EXPECT_EQ(f.menu->MenuItem[0]->text(), "Memory Capacity Setting");
+    EXPECT_EQ(f.menu->MenuItem[6]->text(), "Parameter setting data printing (Paste to EXCEL)");
+    EXPECT_EQ(f.menu->MenuItem[7]->text(), "Clear All");
+    EXPECT_EQ(f.menu->Cancel->text(), "Cancel");
+    EXPECT_EQ(f.menu->Label1->text(),
+              "Network/Link Setting, Parameter Setting\nMicrosoft EXCEL is required\nto execute "
+              "Data Printing (Paste to EXCEL)");
+}
+
+TEST(frmMenu, ActionsPerCpuType) {
+    struct Case {
+        const char* cpu;
+        int item;
+        const char* action;
+    };
+    const Case cases[] = {
+        {"A0J", 4, "frmStepRelay"},
+        {"A3 ", 4, "frmAssistance"},
+        {"A9 ", 4, ""},
+        {"A0J", 5, ""},
+        {"A1S", 5, "PrintNetworkSettings(0)"},
+        {"A3A", 5, "frmNetworkMenu"},
+        {"A4U", 5, "PrintNetworkSettings(3)"},
+        {"A9 ", 5, ""},
+        {"A2 ", 0, "frmMemory"},
+        {"A2 ", 3, "frmIOLayout"},
+        {"A2 ", 7, "ClearAllParameters"},
+    };
+    for (const Case& c : cases) {
+        ModuleState state = test::StateFor(c.cpu);
+        frmMenu menu(state);
+        EXPECT_EQ(menu.ActionOf(c.item), c.action) << c.cpu << " item " << c.item;
+    }
+}
+
+TEST(frmMenu, EndPositionBeyondTheMainCapacityKeepsTheMenuOpen) {
+    MenuFixture f("A3 ");
+    f.state.image.SetParamWord(2048, 64);  // 2 K steps
+    f.state.EndPosition = {2049, 0, 0, 0};
+    PressKey(f.menu->MenuItem[3], Qt::Key_End);
+    EXPECT_EQ(f.messages.Numbers(), std::vector<int>{9});
+    EXPECT_FALSE(f.Closed());
+    EXPECT_FALSE(f.state.SaveRequested);
+
+    f.state.EndPosition = {2048, 0, 0, 0};
+    PressKey(f.menu->OK, Qt::Key_Return);  // Enter on OK is OK
+    EXPECT_TRUE(f.Closed());
+    EXPECT_TRUE(f.state.SaveRequested);
+    EXPECT_TRUE(f.state.ContentChangeFlag);
+    EXPECT_EQ(f.menu->result(), QDialog::Accepted);
+}
+
+TEST(frmMenu, SubProgramEndPositionsCountOnlyForTheLargeCpus) {
+    MenuFixture a2("A2 ");
+    a2.state.EndPosition = {0, 30000, 30000, 30000};
+    a2.menu->OK->click();
+    EXPECT_TRUE(a2.Closed());
+    EXPECT_TRUE(a2.messages.shown.empty());
+
+    MenuFixture a3("A3H");
+    a3.state.EndPosition = {0, 30000, 0, 0};
+    a3.menu->OK->click();
+    EXPECT_FALSE(a3.Closed());
+    EXPECT_EQ(a3.messages.Numbers(), std::vector<int>{9});
+}
+
+TEST(frmMenu, OkWritesTheFixedBytesAndTakesOverTheNetworkData) {
+    MenuFixture f("A3A");
+    ParameterImage work = f.state.image;
+    work[1500] = 0x42;  // edited in the spreadsheet
+    work[100] = 0x42;   // main area: never taken from the working file
+    f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
+    f.state.image[524] = 9;
+    f.menu->OK->click();
+    EXPECT_TRUE(f.Closed());
+    EXPECT_EQ(f.state.image[524], 0);
+    EXPECT_EQ(f.state.image[1500], 0x42);
+    EXPECT_NE(f.state.image[100], 0x42);
+}
+
+TEST(frmMenu, TotalMemoryOfAUTypeAtThirtyOneKStaysOpenWithSaveRequested) {
+    MenuFixture f("A3U");
+    f.state.image.SetParamWord(30 * 1024, 64);
+    f.state.image.SetParamWord(1024, 138);  // 1 K reserved: 31
+    ParameterImage work = f.state.image;
+    f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
+    f.menu->OK->click();
+    ASSERT_EQ(f.messages.Numbers(), std::vector<int>{23});
+    EXPECT_EQ(f.messages.shown[0].caption, "MorvaneR");
+    EXPECT_FALSE(f.Closed());
+    EXPECT_TRUE(f.state.SaveRequested);
+    // A later Cancel leaves the menu without clearing the request.
+    f.menu->Cancel->click();
+    EXPECT_TRUE(f.Closed());
+    EXPECT_TRUE(f.state.SaveRequested);
+}
+
+TEST(frmMenu, CancelAfterClearAllAsksAndNoKeepsTheMenu) {
+    MenuFixture f("A2 ");
+    f.state.image.SetParamWord(1, 64);
+    f.messages.Then(MessageButton::Yes);  // message 12: set back to defaults
+    PressKey(f.menu->MenuItem[7], Qt::Key_Return);
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{12, 10}));
+    EXPECT_TRUE(f.state.ParamChanged);
+    EXPECT_EQ(f.state.image.GetParamWord(64), 6144);
+    EXPECT_TRUE(f.project.Exists(kParamWork));
+
+    f.messages.Then(MessageButton::No);
+    f.menu->Cancel->click();
+    EXPECT_FALSE(f.Closed());
+    f.messages.Then(MessageButton::Yes);
+    f.menu->close();  // the close box asks the same
+    EXPECT_TRUE(f.Closed());
+    EXPECT_FALSE(f.state.ParamChanged);
+    EXPECT_FALSE(f.state.SaveRequested);
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{12, 10, 1, 1}));
+}
+
+TEST(frmMenu, CancelWithoutChangesLeavesAtOnce) {
+    MenuFixture f("A1 ");
+    PressKey(f.menu->Cancel, Qt::Key_Return);
+    EXPECT_TRUE(f.Closed());
+    EXPECT_TRUE(f.messages.shown.empty());
+    EXPECT_EQ(f.menu->result(), QDialog::Rejected);
+}
+
+TEST(frmMenu, ARuntimeErrorEndsTheMenuWithoutSaving) {
+    MenuFixture f("A3 ");
+    f.project.Write(kParamWork, {});
+    ::chmod(f.project.File(kParamWork).c_str(), 0);
+    if (::access(f.project.File(kParamWork).c_str(), R_OK) == 0) {
+        // Root reads anything: make the merge fail another way.
+        std::remove(f.project.File(kParamWork).c_str());
+    }
+    f.menu->OK->click();
+    EXPECT_TRUE(f.Closed());
+    ASSERT_EQ(f.messages.Numbers(), std::vector<int>{0});
+    EXPECT_NE(f.messages.shown[0].text.find("param.$$$"), std::string::npos);
+    EXPECT_FALSE(f.state.SaveRequested);
+}
+
+TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
+    MenuFixture f("A0J");
+    f.menu->MenuItem[2]->setEnabled(false);
+    f.menu->MenuItem[3]->setEnabled(false);
+    f.menu->MenuItem[1]->setFocus();
+    PressKey(f.menu->MenuItem[1], Qt::Key_Down);
+    EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[4]);
+    PressKey(f.menu->MenuItem[4], Qt::Key_Up);
+    EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[1]);
+}
+
+TEST(frmMenu, AnItemWhoseDialogHasNotJoinedDoesNothing) {
+    MenuFixture f("A3A");
+    ASSERT_FALSE(IsDialogRegistered("frmNetworkMenu"));
+    f.menu->MenuItem[5]->click();
+    EXPECT_FALSE(f.Closed());
+    EXPECT_TRUE(f.messages.shown.empty());
+}
+
+}  // namespace
+}  // namespace gantrix
