@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <QApplication>
 #include <QPushButton>
 #include <QTest>
+
+#include <csignal>
 
 #include "common/ModuleState.h"
 #include "entry/GantrixA0J.h"
@@ -98,6 +101,160 @@ TEST(EntryCall, CancelReturnsZeroKeepsTheFlagAndWritesNothing) {
     EXPECT_EQ(RKParam_Get_ContentChangeFlag(run.object), 1);
     EXPECT_EQ(project.Read("param.tmp"), before);
     for (const char* name : kWorkFiles) EXPECT_FALSE(project.Exists(name)) << name;
+}
+
+TEST(EntryCall, AfterClearAllCancelAsksNoKeepsTheMenuYesLeavesWithoutSaving) {
+    TempProject project("A3H");
+    ParameterImage edited = project.ParamTmp();
+    edited.SetParamWord(2048, 64);
+    project.SetParamTmp(edited);
+    const auto before = project.Read("param.tmp");
+    HostRun run(project);
+    ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return); })
+        .Message(12, "Yes")
+        .Message(10, "OK")
+        .On("frmMenu", [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); })
+        .Message(1, "Enter")  // No is the default
+        .On("frmMenu", [](QWidget* menu) { test::ChildAs<QPushButton>(menu, "Cancel")->click(); })
+        .Message(1, "Yes");
+    run.Call(driver);
+    EXPECT_EQ(run.status, 0);
+    EXPECT_EQ(run.result, 0);
+    EXPECT_EQ(driver.messages, (std::vector<int>{12, 10, 1, 1}));
+    EXPECT_EQ(project.Read("param.tmp"), before);
+    for (const char* name : kWorkFiles) EXPECT_FALSE(project.Exists(name)) << name;
+}
+
+TEST(EntryCall, ClearAllThenOkSavesTheDefaults) {
+    TempProject project("A2A");
+    ParameterImage edited = project.ParamTmp();
+    edited.SetParamWord(1024, 64);
+    SetCheckSum(edited, "A2A", false);
+    project.SetParamTmp(edited);
+    project.Write("netpara.tmp", {9});
+    HostRun run(project);
+    ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { test::ChildAs<QPushButton>(menu, "MenuItem(7)")->click(); })
+        .Message(12, "Yes")
+        .Message(10, "OK")
+        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+    run.Call(driver);
+    EXPECT_EQ(run.result, 1);
+    ParameterImage expected = test::DefaultImage("A2A");
+    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), expected), std::vector<int>{});
+    // Clear All deleted the network working file, so the saved run drops "netpara.tmp".
+    EXPECT_FALSE(project.Exists("netpara.tmp"));
+}
+
+TEST(EntryCall, TheSmallestCpuHasThreeItemsDisabled) {
+    TempProject project("A0J");
+    HostRun run(project);
+    ModalDriver driver;
+    std::vector<bool> enabled;
+    driver.On("frmMenu", [&](QWidget* menu) {
+        for (int i = 0; i < 8; ++i) {
+            enabled.push_back(test::Child(menu, QString("MenuItem(%1)").arg(i))->isEnabled());
+        }
+        PressKey(menu, Qt::Key_Escape);
+    });
+    run.Call(driver);
+    EXPECT_EQ(enabled, (std::vector<bool>{true, true, false, false, true, false, true, true}));
+    EXPECT_EQ(run.result, 0);
+}
+
+TEST(EntryCall, EndPositionsOfTheHostsProgramsAreCheckedOnOk) {
+    TempProject project("A3 ");
+    ParameterImage image = project.ParamTmp();
+    image.SetParamWord(2048, 64);
+    project.SetParamTmp(image);
+    project.WriteText("program.end", "2049 0 0 0");
+    {
+        HostRun run(project);
+        ModalDriver driver;
+        driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); })
+            .Message(9, "OK")
+            .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_Escape); });
+        run.Call(driver);
+        EXPECT_EQ(run.result, 0);
+    }
+    project.WriteText("program.end", "2048 0 0 0");
+    HostRun run(project);
+    ModalDriver driver;
+    driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+    run.Call(driver);
+    EXPECT_EQ(run.result, 1);
+}
+
+TEST(EntryCall, AUTypeOverItsTotalMemoryShowsMessage23AndStays) {
+    TempProject project("A3U");
+    ParameterImage image = project.ParamTmp();
+    image.SetParamWord(30 * 1024, 64);
+    image.SetParamWord(2048, 138);  // 2 K reserved: 32 in all
+    project.SetParamTmp(image);
+    HostRun run(project);
+    ModalDriver driver;
+    QString caption;
+    driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); })
+        .On("MessageBox",
+            [&](QWidget* box) {
+                caption = box->windowTitle();
+                PressKey(box, Qt::Key_Return);
+            })
+        .On("frmMenu", [](QWidget* menu) {
+            EXPECT_TRUE(menu->isVisible());
+            PressKey(menu, Qt::Key_Escape);
+        });
+    run.Call(driver);
+    EXPECT_EQ(caption, "MorvaneR");
+    // The request to save stays once OK got that far, so leaving afterwards saves.
+    EXPECT_EQ(run.result, 1);
+}
+
+TEST(EntryCall, LanguageModeChangesNoText) {
+    TempProject project("A2 ");
+    HostRun run(project);
+    RKParam_Let_LanguageMode(run.object, "Japanese");
+    ModalDriver driver;
+    QString title, item;
+    driver.On("frmMenu", [&](QWidget* menu) {
+        title = menu->windowTitle();
+        item = test::ChildAs<QPushButton>(menu, "MenuItem(0)")->text();
+        PressKey(menu, Qt::Key_Escape);
+    });
+    run.Call(driver);
+    EXPECT_EQ(title, "Parameter");
+    EXPECT_EQ(item, "Memory Capacity Setting");
+    EXPECT_EQ(std::string(RKParam_Get_LanguageMode(run.object)), "Japanese");
+}
+
+TEST(EntryCall, AFailingSaveReachesTheHostAndKeepsTheProjectFile) {
+    TempProject project("A3 ");
+    const auto before = project.Read("param.tmp");
+    HostRun run(project);
+    ModalDriver driver;
+    // The disk fills while the menu is open: the save cannot be written.
+    rlimit saved{};
+    ::getrlimit(RLIMIT_FSIZE, &saved);
+    auto* previous = std::signal(SIGXFSZ, SIG_IGN);
+    driver.On("frmMenu", [&](QWidget* menu) {
+        rlimit full = saved;
+        full.rlim_cur = 100;
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        test::ChildAs<QPushButton>(menu, "OK")->click();
+    });
+    run.Call(driver);
+    ::setrlimit(RLIMIT_FSIZE, &saved);
+    std::signal(SIGXFSZ, previous);
+    EXPECT_NE(run.status, 0);
+    EXPECT_NE(std::string(RKParam_ErrorDescription(run.object)).find(project.Path() + "param.tmp"),
+              std::string::npos)
+        << RKParam_ErrorDescription(run.object);
+    EXPECT_EQ(project.Read("param.tmp"), before);
 }
 
 }  // namespace
