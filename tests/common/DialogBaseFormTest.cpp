@@ -189,6 +189,32 @@ TEST(DialogBase, ARuntimeErrorShowsItsDescriptionAndPutsTheImageBack) {
     EXPECT_FALSE(f.state.ParamChanged);
 }
 
+// A dialog whose load rewrites a byte and then fails.
+class FailingLoad : public DialogBase {
+  public:
+    explicit FailingLoad(ModuleState& state) : DialogBase(state, "frmMemory") {
+        Guard([this] {
+            State().image[301] = 0;
+            State().image.SetParamWord(-1, 302);
+        });
+        if (!Unloaded()) FinishLoad();
+    }
+    bool CheckSettings() override { return true; }
+    void SaveSettings() override {}
+};
+
+TEST(DialogBase, AnErrorWhileLoadingPutsBackTheImageAsOpenedAndShowsNothing) {
+    ModuleState state = test::StateFor("A3 ");
+    ScriptedMessages messages;
+    state.Presenter = &messages;
+    state.image[301] = 9;
+    const ParameterImage before = state.image;
+    FailingLoad dialog(state);
+    EXPECT_EQ(dialog.exec(), QDialog::Rejected);  // returns at once: nothing to show
+    EXPECT_EQ(messages.Numbers(), std::vector<int>{0});
+    EXPECT_EQ(state.image, before);
+}
+
 struct Notifications {
     int count = 0;
     static void Proc(intptr_t, uint32_t msg, uintptr_t wParam, intptr_t lParam, void* context) {

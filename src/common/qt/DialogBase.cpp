@@ -9,7 +9,8 @@
 
 namespace gantrix {
 
-DialogBase::DialogBase(ModuleState& state, const QString& formName) : FormBase(state, formName) {}
+DialogBase::DialogBase(ModuleState& state, const QString& formName)
+    : FormBase(state, formName), loaded_(state.image) {}
 
 bool& DialogBase::DataChangedFlag() {
     return State().DataChanged;
@@ -133,7 +134,9 @@ void DialogBase::reject() {
 }
 
 void DialogBase::ErrorExit(const std::string& description) {
-    // Nothing of a dialog that failed may stay in the image.
+    if (Unloaded()) return;
+    // Nothing of a dialog that failed may stay in the image: neither its edits nor, when it
+    // failed while loading, the bytes its load had rewritten.
     State().image = loaded_;
     State().PendingErrorDescription = description;
     ShowMessage(State(), 0);

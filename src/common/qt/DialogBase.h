@@ -41,7 +41,8 @@ class DialogBase : public FormBase {
     // The DataChanged flag the dialog uses: the module's, or one of its own.
     virtual bool& DataChangedFlag();
 
-    // Clears DataChanged, remembers the image, registers the numbered controls for error
+    // Clears DataChanged, remembers the image as loaded (until then the image as opened is
+    // what a runtime error puts back), registers the numbered controls for error
     // colouring, and gives the first field of the order the focus.
     void FinishLoad();
 

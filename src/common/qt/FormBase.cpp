@@ -37,6 +37,7 @@ void FormBase::Guard(const std::function<void()>& handler) {
 }
 
 void FormBase::ErrorExit(const std::string& description) {
+    if (unloaded_) return;  // one error ends the form once
     state_.PendingErrorDescription = description;
     ShowMessage(state_, 0);
     state_.PendingErrorDescription.clear();
@@ -52,7 +53,13 @@ bool FormBase::FormKeyDown(QKeyEvent*, QWidget*) {
 }
 
 void FormBase::Unload(bool accepted) {
+    unloaded_ = true;
     done(accepted ? QDialog::Accepted : QDialog::Rejected);
+}
+
+int FormBase::exec() {
+    if (unloaded_) return result();
+    return QDialog::exec();
 }
 
 bool FormBase::event(QEvent* event) {

@@ -43,9 +43,15 @@ class FormBase : public QDialog {
     // Form_KeyDown, seen before the focused control; return true to swallow the key.
     virtual bool FormKeyDown(QKeyEvent* event, QWidget* focus);
 
-    // Unloads the form: ends the modal loop with accepted or not.
+    // Unloads the form: ends the modal loop with accepted or not. A form unloaded while it
+    // loads (a runtime error in its load) is not shown by exec() at all.
     void Unload(bool accepted);
 
+  public:
+    bool Unloaded() const { return unloaded_; }
+    int exec() override;
+
+  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool event(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
@@ -56,6 +62,7 @@ class FormBase : public QDialog {
     ModuleState& state_;
     std::map<QWidget*, KeyPressHandler> keyPress_;
     bool centred_ = false;
+    bool unloaded_ = false;
     const QEvent* lastKeyEvent_ = nullptr;
     QPointer<QWidget> lastKeyTarget_;
     int lastKey_ = 0;

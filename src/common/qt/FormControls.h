@@ -25,7 +25,7 @@ long ValueOf(const QLineEdit* box);
 // it has none.
 int ControlNumberOf(const QWidget* widget);
 
-// Paints the control with that number yellow (red 255, green 255, blue 0), if it is shown.
+// Paints the live control with that number yellow (red 255, green 255, blue 0).
 void SetErrorColor(int number);
 
 // Gives a control the system window-background colour again.
