@@ -71,5 +71,35 @@ TEST(frmMemoryEndToEnd, TypedCapacityReachesParamTmpWithFreshCheckBytes) {
     }
 }
 
+// Once a dialog was left with OK, leaving the menu with Cancel asks before the change is lost.
+TEST(frmMemoryEndToEnd, CancelAfterADialogsOkAsksAndYesLeavesWithoutSaving) {
+    TempProject project("A2 ");
+    const auto before = project.Read("param.tmp");
+    ::RKParam* object = RKParam_Create();
+    RKParam_Let_szPcName(object, "A2 ");
+    RKParam_Let_ProjectName(object, project.Path().c_str());
+    ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { test::ChildAs<QPushButton>(menu, "MenuItem(0)")->click(); })
+        .On("frmMemory",
+            [](QWidget* dialog) {
+                auto* main = test::ChildAs<QLineEdit>(dialog, "Text1(0)");
+                main->selectAll();
+                QTest::keyClicks(main, "8");
+                PressKey(test::Child(dialog, "OK"), Qt::Key_Return);
+            })
+        .On("frmMenu", [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); })
+        .Message(1, "No")
+        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_Escape); })
+        .Message(1, "Yes");
+    int16_t result = -1;
+    driver.Run([&] { EXPECT_EQ(RKParam_Param_main(object, &result), 0); });
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(driver.messages, (std::vector<int>{1, 1}));
+    EXPECT_EQ(project.Read("param.tmp"), before);
+    RKParam_Release(object);
+}
+
 }  // namespace
 }  // namespace gantrix
