@@ -1,17 +1,22 @@
 // Takes screenshots of the component's windows for the documentation.
 //
-//   gantrix_screenshots OUTDIR NAME CPU [KEY...]
+//   gantrix_screenshots OUTDIR NAME CPU [STEP...]
 //
 // Opens the window NAME ("frmMenu" or any registered dialog) for a default project of CPU
-// type CPU, sends the keys (Qt key names such as PageDown, or single characters) to the
-// focused control, then saves OUTDIR/NAME-CPU[-suffix].png and closes the window.
+// type CPU and runs the steps on the active window: a Qt key name (PgDown, Return) or a
+// single character is typed into the focused control; "click:OBJECT" clicks the button of
+// that object name (which may open a nested dialog). Then the active window is saved as
+// OUTDIR/NAME-CPU[-steps].png (or, after a click into a nested dialog, under that
+// dialog's name) and every window is closed.
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
 #include <QKeySequence>
 #include <QTest>
 #include <QTimer>
 #include <cstdio>
+#include <functional>
 #include <iostream>
 
 #include "common/qt/DialogRegistry.h"
@@ -41,28 +46,41 @@ int main(int argc, char** argv) {
 
     QString file =
         outDir + "/" + QString::fromStdString(name) + "-" + QString::fromStdString(cpu).trimmed();
-    if (!keys.isEmpty()) file += "-" + keys.join("").toLower();
+    if (!keys.isEmpty()) file += "-" + keys.join("").toLower().remove(':');
     file += ".png";
 
     bool saved = false;
-    QTimer::singleShot(400, [&] {
+    // Each step runs from the event loop, so that a click opening a nested dialog returns
+    // here through that dialog's own loop.
+    std::function<void(int)> step = [&](int index) {
         auto* window = qobject_cast<QDialog*>(QApplication::activeModalWidget());
         if (window == nullptr) return;
-        for (const QString& key : keys) {
-            QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window;
-            const QKeySequence sequence(key);
-            if (key.size() == 1) {
-                QTest::keyClicks(target, key);
-            } else if (!sequence.isEmpty()) {
-                QTest::keyClick(target, static_cast<Qt::Key>(sequence[0].key()));
+        if (index == keys.size()) {
+            if (window->objectName() != QString::fromStdString(name)) {
+                file = outDir + "/" + window->objectName() + "-" +
+                       QString::fromStdString(cpu).trimmed() + ".png";
             }
-            QApplication::processEvents();
-        }
-        QTimer::singleShot(200, [&, window] {
             saved = window->grab().save(file);
-            window->done(QDialog::Rejected);
-        });
-    });
+            while (auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+                modal->done(QDialog::Rejected);
+                QApplication::processEvents();
+            }
+            return;
+        }
+        const QString key = keys[index];
+        QTimer::singleShot(200, [&, index] { step(index + 1); });
+        QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window;
+        if (key.startsWith("click:")) {
+            if (auto* button = window->findChild<QAbstractButton*>(key.mid(6))) button->click();
+        } else if (key.size() == 1) {
+            QTest::keyClicks(target, key);
+        } else if (key == "PageDown" || key == "PageUp") {
+            QTest::keyClick(target, key == "PageDown" ? Qt::Key_PageDown : Qt::Key_PageUp);
+        } else if (const QKeySequence sequence(key); !sequence.isEmpty()) {
+            QTest::keyClick(target, static_cast<Qt::Key>(sequence[0].key()));
+        }
+    };
+    QTimer::singleShot(400, [&] { step(0); });
     if (name == "frmMenu") {
         gantrix::frmMenu menu(state);
         menu.exec();

@@ -8,6 +8,7 @@
 
 #include "platform/rkcmnt/DefaultImage.h"
 #include "platform/rkcmnt/DeviceTable.h"
+#include "platform/rkcmnt/rkcmnt.h"
 #include "store/Project.h"
 
 namespace gantrix::test {
@@ -84,6 +85,9 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir) 
     state.CpuType = cpuType;
     state.CpuCode = CpuCodeOf(cpuType);
     state.ProjectDir = projectDir;
+    // The host libraries answer for the CPU of the last setup, as in a run.
+    std::string dir = projectDir, cpu = cpuType;
+    RkSetupGlobal(dir.data(), cpu.data(), state.CpuCode, nullptr);
     if (const auto* sizes = platform::FindDeviceSizes(cpuType)) {
         state.image = DefaultImage(cpuType);
         for (char letter : DeviceMaxSizes::kLetters) {

@@ -50,7 +50,8 @@ class TempProject : public TempDir {
 // The default image of a CPU type (as "param.tmp" of a new project holds it).
 ParameterImage DefaultImage(const std::string& cpuType);
 
-// A module state as a run for cpuType sets it up: default image, device sizes, CPU code.
+// A module state as a run for cpuType sets it up: default image, device sizes, CPU code,
+// and the host libraries set up for the CPU type.
 ModuleState StateFor(const std::string& cpuType, const std::string& projectDir = "");
 
 // Message boxes answered from a script: each box takes the next queued answer, or, when the
