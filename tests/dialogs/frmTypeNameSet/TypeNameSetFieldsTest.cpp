@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include "dialogs/frmTypeNameSet/TypeNameSetFields.h"
+
+namespace gantrix {
+namespace {
+
+TEST(TypeNameSetFields, PackingAndUnpacking) {
+    const std::pair<const char*, ModelNameRecord> packed[] = {
+        // AX10: w1 = (10*40+33)*40+1 = 17321, w2 = (0*40+36)*40+36 = 1476, w3 = 59076
+        {"AX10", {0xC4, 0xE6, 0xC4, 0x05, 0xA9, 0x43}},
+        {"ax10", {0xC4, 0xE6, 0xC4, 0x05, 0xA9, 0x43}},
+        {"", {0xC4, 0xE6, 0xC4, 0xE6, 0xC4, 0xE6}},
+        {"0-Z", {0xC4, 0xE6, 0xC4, 0xE6, 0xEB, 0x05}},           // (0*40+37)*40+35 = 0x05EB
+        {"ZZZZZZZZZABC", {0x5B, 0xE0, 0x5B, 0xE0, 0x5B, 0xE0}},  // cut at nine; 0xE05B each
+        {"AD51S3", {0xC4, 0xE6, 0xA3, 0x0A, 0x8D, 0x40}},
+    };
+    for (const auto& [name, bytes] : packed) EXPECT_EQ(PackModelName(name), bytes) << name;
+
+    const std::pair<ModelNameRecord, const char*> unpacked[] = {
+        {{0xC4, 0xE6, 0xC4, 0x05, 0xA9, 0x43}, "AX10"},
+        {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, ""},   // erased
+        {{0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00}, ""},   // bytes 0, 2 and 4 decide
+        {{0xC4, 0xE6, 0xC4, 0xE6, 0xB4, 0xE2}, "A"},  // " A ": outer blanks go
+        // 38 and 39 are read as blanks: w1 = (10*40+38)*40+11, w2 = (39*40+12)*40+36
+        {{0xC4, 0xE6, 0xC4, 0xF5, 0x7B, 0x44}, "A B C"},
+    };
+    for (const auto& [bytes, name] : unpacked) EXPECT_EQ(UnpackModelName(bytes), name);
+}
+
+TEST(TypeNameSetFields, ListsPerSlotCode) {
+    const std::tuple<const char*, size_t, const char*, const char*> lists[] = {
+        {"X16", 9, "AX10", "AX80E"},     {"X32", 6, "AX11", "AX81-S"},
+        {"X64", 2, "AX42", "AX82"},      {"Y16", 13, "AY10", "AY80"},
+        {"Y32", 7, "AY13", "AY81"},      {"Y64", 2, "AY42", "AY72"},
+        {"F32", 20, "AD51S3", "A60MXT"}, {"F48", 1, "PT32S3", "PT32S3"},
+        {"F64", 4, "A81CPU", "AD58"},
+    };
+    for (const auto& [code, count, first, last] : lists) {
+        const auto& names = ModelNamesFor(code);
+        ASSERT_EQ(names.size(), count) << code;
+        EXPECT_EQ(names.front(), first);
+        EXPECT_EQ(names.back(), last);
+        for (const std::string& name : names) {
+            // The list implies the kind: inputs are AX models, outputs AY, functions neither.
+            EXPECT_EQ(name.substr(0, 2) == "AX", code[0] == 'X') << name;
+            EXPECT_EQ(name.substr(0, 2) == "AY", code[0] == 'Y') << name;
+            EXPECT_EQ(UnpackModelName(PackModelName(name)), name);  // every offer is storable
+        }
+    }
+    for (const char* code : {"S0", "S16", "S32", "S48", "S64", "X48", "Y48", "F16", "", "X"}) {
+        EXPECT_TRUE(ModelNamesFor(code).empty()) << code;
+    }
+}
+
+TEST(TypeNameSetFields, NameBoxKeysCleanUpAndPages) {
+    const std::tuple<const char*, int, const char*, int> boxes[] = {
+        {"ax60-s", 6, "AX60-S", 6},
+        {"A/B", 2, "AB", 1},  // the caret stays after the A
+        {"ab cd", 3, "AB CD", 3},
+        {"AD62DAS12345", 12, "AD62DAS12", 9},
+    };
+    for (const auto& [typed, caret, text, caretAfter] : boxes) {
+        TextBoxState box{typed, caret};
+        FilterModelName(box);
+        EXPECT_EQ(box.text, text);
+        EXPECT_EQ(box.caret, caretAfter) << typed;
+    }
+    for (int key : {int('0'), int('A'), int('z'), int('-'), int(' '), 8})
+        EXPECT_TRUE(IsModelNameKey(key));
+    for (int key : {int('/'), int('_'), 127, 200}) EXPECT_FALSE(IsModelNameKey(key)) << key;
+    // The pages stop at both ends.
+    EXPECT_EQ(NextNamePageStart(48, true), 56);
+    EXPECT_EQ(NextNamePageStart(56, true), 56);
+    EXPECT_EQ(NextNamePageStart(0, false), 0);
+}
+
+}  // namespace
+}  // namespace gantrix
