@@ -1,0 +1,124 @@
+#include "dialogs/frmInterruptCounter/frmInterruptCounter.h"
+
+#include <QCheckBox>
+#include <QFontDatabase>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "common/StringTable.h"
+#include "common/qt/DialogRegistry.h"
+
+namespace gantrix {
+namespace {
+
+QString Text(int id) {
+    return QString::fromStdString(LoadResString(id));
+}
+
+}  // namespace
+
+frmInterruptCounter::frmInterruptCounter(ModuleState& state)
+    : DialogBase(state, "frmInterruptCounter") {
+    setWindowTitle(Text(ids::InterruptCounter));
+    // The ticked and the empty label are equally wide only in a fixed-pitch font.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    auto* grid = new QGridLayout;
+    grid->setHorizontalSpacing(4);
+    for (int k = 0; k < kInterruptCounters; ++k) {
+        PointerFlag[k] = new QCheckBox(QString::fromStdString(PointerFlagCaption(k)), this);
+        PointerFlag[k]->setObjectName(QString("PointerFlag(%1)").arg(k));
+        Label1[k] = new QLabel(this);
+        Label1[k]->setObjectName(QString("Label1(%1)").arg(k));
+        Label1[k]->setFont(fixed);
+        // One column per byte of the image: I0-I7, I8-I15, I16-I23, I24-I31.
+        const int column = (k / 8) * 3;
+        grid->addWidget(PointerFlag[k], k % 8, column);
+        grid->addWidget(Label1[k], k % 8, column + 1);
+        connect(PointerFlag[k], &QCheckBox::toggled, this,
+                [this, k] { Guard([this, k] { PointerFlag_Click(k); }); });
+        OnKeyPress(PointerFlag[k], [this, k](int& key) { PointerFlag_KeyPress(k, key); });
+    }
+    for (int c : {2, 5, 8}) grid->setColumnMinimumWidth(c, 12);
+
+    Label2 = new QLabel(Text(ids::ChangeBySpaceOrMouse), this);
+    Label2->setObjectName("Label2");
+    OK = new QPushButton(Text(ids::OK), this);
+    OK->setObjectName("OK");
+    Cancel = new QPushButton(Text(ids::Cancel), this);
+    Cancel->setObjectName("Cancel");
+    Clear = new QPushButton(Text(ids::Clear), this);
+    Clear->setObjectName("Clear");
+    SetButtons(OK, Cancel, Clear);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(OK);
+    buttons->addWidget(Cancel);
+    buttons->addWidget(Clear);
+    auto* layout = new QVBoxLayout(this);
+    layout->addLayout(grid);
+    layout->addWidget(Label2);
+    layout->addLayout(buttons);
+
+    SetFieldOrder({PointerFlag.begin(), PointerFlag.end()});
+    for (int k = 0; k + 1 < kInterruptCounters; ++k) {
+        setTabOrder(PointerFlag[k], PointerFlag[k + 1]);
+    }
+    setTabOrder(PointerFlag.back(), OK);
+    setTabOrder(OK, Cancel);
+    setTabOrder(Cancel, Clear);
+
+    Guard([this] { SetInterruptCounterSettings(); });
+    FinishLoad();
+}
+
+InterruptCounterFields frmInterruptCounter::Fields() const {
+    InterruptCounterFields f;
+    for (int k = 0; k < kInterruptCounters; ++k) f.PointerFlag[k] = PointerFlag[k]->isChecked();
+    return f;
+}
+
+void frmInterruptCounter::ShowFields(const InterruptCounterFields& f) {
+    for (int k = 0; k < kInterruptCounters; ++k) {
+        PointerFlag[k]->setChecked(f.PointerFlag[k]);
+        Label1[k]->setText(QString::fromStdString(PointerLabel(k, f.PointerFlag[k])));
+    }
+}
+
+void frmInterruptCounter::SetInterruptCounterSettings() {
+    ShowFields(ReadInterruptCounter(State().image));
+}
+
+void frmInterruptCounter::SaveInterruptCounterSettings() {
+    WriteInterruptCounter(Fields(), State().image);
+}
+
+void frmInterruptCounter::SetDefaultOfInterruptCounter() {
+    ShowFields(DefaultsInterruptCounter());
+}
+
+void frmInterruptCounter::PointerFlag_Click(int k) {
+    Label1[k]->setText(QString::fromStdString(PointerLabel(k, PointerFlag[k]->isChecked())));
+    DataChanged = true;
+}
+
+void frmInterruptCounter::PointerFlag_KeyPress(int k, int& keyAscii) {
+    if (keyAscii == 13) {
+        keyAscii = 0;
+        FocusNextField(PointerFlag[k]);
+    } else if (keyAscii == ' ') {
+        // The space key switches the flag here, so that its label follows at once.
+        keyAscii = 0;
+        PointerFlag[k]->toggle();
+    }
+}
+
+static DialogRegistrar registrar("frmInterruptCounter", [](ModuleState& s) {
+    frmInterruptCounter form(s);
+    form.exec();
+});
+
+}  // namespace gantrix

@@ -1,0 +1,72 @@
+#include "dialogs/frmStepRelay/frmStepRelay.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "common/DialogContext.h"
+#include "common/StringTable.h"
+#include "common/qt/DialogRegistry.h"
+
+namespace gantrix {
+namespace {
+
+QString Text(int id) {
+    return QString::fromStdString(LoadResString(id));
+}
+
+}  // namespace
+
+frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay") {
+    setWindowTitle(Text(ids::SupplementaryFunctions));
+    StepRelayFlag = new QCheckBox(Text(ids::StepRelaySetting), this);
+    StepRelayFlag->setObjectName("StepRelayFlag");
+    Label1 = new QLabel(Text(ids::SwitchBySpaceOrMouse), this);
+    Label1->setObjectName("Label1");
+    OK = new QPushButton(Text(ids::OK), this);
+    OK->setObjectName("OK");
+    Cancel = new QPushButton(Text(ids::Cancel), this);
+    Cancel->setObjectName("Cancel");
+    SetButtons(OK, Cancel, nullptr);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addStretch();
+    buttons->addWidget(OK);
+    buttons->addWidget(Cancel);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(StepRelayFlag);
+    layout->addWidget(Label1);
+    layout->addLayout(buttons);
+
+    // Load: checked only for the step relay boundary 1535.
+    Guard([this] { StepRelayFlag->setChecked(ReadStepRelay(State().image).StepRelayFlag); });
+    connect(StepRelayFlag, &QCheckBox::toggled, this,
+            [this] { Guard([this] { StepRelayFlag_Click(); }); });
+    // Enter moves on to OK (the field order ends there); the space key toggles as usual.
+    OnKeyPress(StepRelayFlag, [this](int& key) {
+        if (key != 13) return;
+        key = 0;
+        FocusNextField(StepRelayFlag);
+    });
+    SetFieldOrder({StepRelayFlag});
+    setTabOrder(StepRelayFlag, OK);
+    setTabOrder(OK, Cancel);
+    FinishLoad();
+}
+
+void frmStepRelay::StepRelayFlag_Click() {
+    State().DataChanged = true;
+}
+
+void frmStepRelay::SaveStepRelaySettings() {
+    WriteStepRelay({StepRelayFlag->isChecked()}, State().image, ContextOf(State()));
+}
+
+static DialogRegistrar registrar("frmStepRelay", [](ModuleState& s) {
+    frmStepRelay form(s);
+    form.exec();
+});
+
+}  // namespace gantrix
