@@ -12,20 +12,15 @@
 #include "common/Messages.h"
 #include "common/StringTable.h"
 #include "common/qt/DialogRegistry.h"
+#include "common/qt/FormControls.h"
 #include "menus/MenuRules.h"
 #include "store/ParameterFiles.h"
 
 namespace gantrix {
-namespace {
-
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 frmMenu::frmMenu(ModuleState& state) : FormBase(state, "frmMenu") {
-    setWindowTitle(Text(ids::Parameter));
+    setWindowTitle(ResText(ids::Parameter));
     Frame1 = new QGroupBox(this);
     Frame1->setObjectName("Frame1");
     Frame1->setTitle(QString());
@@ -35,7 +30,7 @@ frmMenu::frmMenu(ModuleState& state) : FormBase(state, "frmMenu") {
                                          ids::SupplementaryFunctions, ids::NetworkLinkSetting,
                                          ids::ParameterPrinting,      ids::ClearAll};
     for (int i = 0; i < 8; ++i) {
-        MenuItem[i] = new QPushButton(Text(kCaptions[i]), Frame1);
+        MenuItem[i] = new QPushButton(ResText(kCaptions[i]), Frame1);
         MenuItem[i]->setObjectName(QString("MenuItem(%1)").arg(i));
         MenuItem[i]->setMinimumWidth(380);
         items->addWidget(MenuItem[i]);
@@ -45,11 +40,11 @@ frmMenu::frmMenu(ModuleState& state) : FormBase(state, "frmMenu") {
     Label1 = new QLabel(this);
     Label1->setObjectName("Label1");
     // The three lines are joined with LF CR, as the host's texts are; a label shows LF only.
-    Label1->setText(Text(ids::ExcelNoteLine1) + "\n" + Text(ids::ExcelNoteLine2) + "\n" +
-                    Text(ids::ExcelNoteLine3));
+    Label1->setText(ResText(ids::ExcelNoteLine1) + "\n" + ResText(ids::ExcelNoteLine2) + "\n" +
+                    ResText(ids::ExcelNoteLine3));
     OK = new QPushButton("OK", this);
     OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
+    Cancel = new QPushButton(ResText(ids::Cancel), this);
     Cancel->setObjectName("Cancel");
     connect(OK, &QPushButton::clicked, this, [this] { Guard([this] { OK_Click(); }); });
     connect(Cancel, &QPushButton::clicked, this, [this] { Guard([this] { Cancel_Click(); }); });

@@ -5,6 +5,7 @@
 #include <QPushButton>
 
 #include "common/Messages.h"
+#include "common/StringTable.h"
 #include "common/qt/FormControls.h"
 
 namespace gantrix {
@@ -49,6 +50,18 @@ void DialogBase::SetButtons(QPushButton* ok, QPushButton* cancel, QPushButton* c
     if (clear_) {
         connect(clear_, &QPushButton::clicked, this, [this] { Guard([this] { Clear_Click(); }); });
     }
+}
+
+void DialogBase::MakeStandardButtons(QPushButton*& ok, QPushButton*& cancel, QPushButton** clear) {
+    const auto make = [this](int caption, const char* name) {
+        auto* button = new QPushButton(ResText(caption), this);
+        button->setObjectName(name);
+        return button;
+    };
+    ok = make(ids::OK, "OK");
+    cancel = make(ids::Cancel, "Cancel");
+    if (clear) *clear = make(ids::Clear, "Clear");
+    SetButtons(ok, cancel, clear ? *clear : nullptr);
 }
 
 int DialogBase::IndexInOrder(QWidget* widget) const {

@@ -56,6 +56,9 @@ class DialogBase : public FormBase {
 
     // The buttons of the dialog; clear may be nullptr.
     void SetButtons(QPushButton* ok, QPushButton* cancel, QPushButton* clear);
+    // Makes the OK, Cancel and (when clear is given) Clear buttons with their captions and
+    // object names, and wires them as SetButtons does; the dialog places them.
+    void MakeStandardButtons(QPushButton*& ok, QPushButton*& cancel, QPushButton** clear);
 
     // End: OK; Left/Up and Right/Down: previous and next field; Page Up/Down: ChangePageKey.
     bool FormKeyDown(QKeyEvent* event, QWidget* focus) override;

@@ -9,6 +9,7 @@
 
 #include "common/ControlNumbers.h"
 #include "common/InputRoutines.h"
+#include "common/StringTable.h"
 
 namespace gantrix {
 namespace {
@@ -30,6 +31,10 @@ void CleanLineEdit(QLineEdit* box, Clean clean) {
 }
 
 }  // namespace
+
+QString ResText(int id) {
+    return QString::fromStdString(LoadResString(id));
+}
 
 int KeyAsciiOf(const QKeyEvent* event) {
     switch (event->key()) {

@@ -9,6 +9,9 @@ class QWidget;
 
 namespace gantrix {
 
+// The string table's text of id, for a caption.
+QString ResText(int id);
+
 // The character code a key press delivers (Enter 13, Backspace 8, printable ASCII as
 // typed, control characters), or -1 for a key that delivers none (arrows, function keys).
 int KeyAsciiOf(const QKeyEvent* event);

@@ -11,6 +11,7 @@
 
 #include "common/StringTable.h"
 #include "common/qt/DialogRegistry.h"
+#include "common/qt/FormControls.h"
 #include "dialogs/frmTypeNameSet/frmTypeNameSet.h"
 #include "store/ParameterFiles.h"
 
@@ -19,10 +20,6 @@ namespace {
 
 constexpr int kRowsPerColumn = 16;
 constexpr int kColumns = kSlotsPerPage / kRowsPerColumn;
-
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
 
 QLabel* NewLabel(const QString& text, const QString& name, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -36,15 +33,15 @@ QFrame* LegendGroup(int group, int captionId, int kindId, int firstKey, int keys
     frame->setObjectName(QString("Group(%1)").arg(group));
     frame->setFrameShape(QFrame::StyledPanel);
     auto* grid = new QGridLayout(frame);
-    grid->addWidget(NewLabel(Text(captionId), QString("GroupCaption(%1)").arg(group), frame), 0, 0,
+    grid->addWidget(NewLabel(ResText(captionId), QString("GroupCaption(%1)").arg(group), frame), 0,
+                    0, keys, 1, Qt::AlignVCenter);
+    grid->addWidget(NewLabel(ResText(kindId), QString("KindLabel(%1)").arg(group), frame), 0, 1,
                     keys, 1, Qt::AlignVCenter);
-    grid->addWidget(NewLabel(Text(kindId), QString("KindLabel(%1)").arg(group), frame), 0, 1, keys,
-                    1, Qt::AlignVCenter);
     for (int k = 0; k < keys; ++k) {
         const int key = firstKey + k;
         grid->addWidget(
-            NewLabel(Text(ids::KeyEmptySlot0 + key), QString("KeyCaption(%1)").arg(key), frame), k,
-            2);
+            NewLabel(ResText(ids::KeyEmptySlot0 + key), QString("KeyCaption(%1)").arg(key), frame),
+            k, 2);
     }
     return frame;
 }
@@ -55,20 +52,19 @@ frmIOLayout::frmIOLayout(ModuleState& state) : DialogBase(state, "frmIOLayout") 
     BuildControls();
     std::vector<QWidget*> order(Text1.begin(), Text1.end());
     SetFieldOrder(order);
-    SetButtons(OK, Cancel, Clear);
     Guard([this] { Form_Load(); });
     if (!Unloaded()) FinishLoad();  // a failed load was reported and unloaded the dialog
 }
 
 void frmIOLayout::BuildControls() {
-    setWindowTitle(Text(ids::IoAssignmentTitle));
+    setWindowTitle(ResText(ids::IoAssignmentTitle));
 
     auto* legend = new QHBoxLayout;
     legend->addWidget(LegendGroup(0, ids::EmptySlotGroup, ids::KindEmptySlot, 0, 5, this));
     legend->addWidget(LegendGroup(1, ids::InputModuleGroup, ids::KindInput, 5, 4, this));
     legend->addWidget(LegendGroup(2, ids::OutputModuleGroup, ids::KindOutput, 9, 4, this));
     legend->addWidget(LegendGroup(3, ids::FunctionModuleGroup, ids::KindFunction, 13, 4, this));
-    Label1 = NewLabel(Text(ids::SlotKeyHint), "Label1", this);
+    Label1 = NewLabel(ResText(ids::SlotKeyHint), "Label1", this);
 
     // Four columns of sixteen slots, numbered down each column.
     auto* grid = new QGridLayout;
@@ -76,8 +72,8 @@ void frmIOLayout::BuildControls() {
     grid->setVerticalSpacing(2);
     const int fieldWidth = fontMetrics().horizontalAdvance("F64") + 24;
     for (int c = 0; c < kColumns; ++c) {
-        Label2[c] = NewLabel(Text(ids::SlotNo), QString("Label2(%1)").arg(c), this);
-        Label3[c] = NewLabel(Text(ids::IoModule), QString("Label3(%1)").arg(c), this);
+        Label2[c] = NewLabel(ResText(ids::SlotNo), QString("Label2(%1)").arg(c), this);
+        Label3[c] = NewLabel(ResText(ids::IoModule), QString("Label3(%1)").arg(c), this);
         grid->addWidget(Label2[c], 0, 3 * c, Qt::AlignRight);
         grid->addWidget(Label3[c], 0, 3 * c + 1, Qt::AlignHCenter);
         if (c + 1 < kColumns) grid->setColumnMinimumWidth(3 * c + 2, 18);
@@ -103,16 +99,11 @@ void frmIOLayout::BuildControls() {
     PageMarker = NewLabel("0", "PageMarker", this);
     PageMarker->hide();
 
-    ChangePage = new QPushButton(Text(ids::Next), this);
+    ChangePage = new QPushButton(ResText(ids::Next), this);
     ChangePage->setObjectName("ChangePage");
-    Type = new QPushButton(Text(ids::Model), this);
+    Type = new QPushButton(ResText(ids::Model), this);
     Type->setObjectName("Type");
-    OK = new QPushButton(Text(ids::OK), this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
-    Cancel->setObjectName("Cancel");
-    Clear = new QPushButton(Text(ids::Clear), this);
-    Clear->setObjectName("Clear");
+    MakeStandardButtons(OK, Cancel, &Clear);
     connect(ChangePage, &QPushButton::clicked, this,
             [this] { Guard([this] { ChangePage_Click(); }); });
     connect(Type, &QPushButton::clicked, this, [this] { Guard([this] { Type_Click(); }); });
@@ -152,7 +143,7 @@ void frmIOLayout::FillPage() {
         Text1[i]->setText(QString::fromStdString(slots_.codes[start + i]));
     }
     PageMarker->setText(QString::number(start));
-    ChangePage->setText(Text(page_ == 0 ? ids::Next : ids::IoAssignmentPrevious));
+    ChangePage->setText(ResText(page_ == 0 ? ids::Next : ids::IoAssignmentPrevious));
     // Model names exist for slots 0..63 only.
     Type->setEnabled(page_ == 0);
 }

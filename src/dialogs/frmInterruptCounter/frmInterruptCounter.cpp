@@ -10,19 +10,14 @@
 
 #include "common/StringTable.h"
 #include "common/qt/DialogRegistry.h"
+#include "common/qt/FormControls.h"
 
 namespace gantrix {
-namespace {
-
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 frmInterruptCounter::frmInterruptCounter(ModuleState& state)
     : DialogBase(state, "frmInterruptCounter") {
-    setWindowTitle(Text(ids::InterruptCounter));
+    setWindowTitle(ResText(ids::InterruptCounter));
     // The ticked and the empty label are equally wide only in a fixed-pitch font.
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     auto* grid = new QGridLayout;
@@ -43,15 +38,9 @@ frmInterruptCounter::frmInterruptCounter(ModuleState& state)
     }
     for (int c : {2, 5, 8}) grid->setColumnMinimumWidth(c, 12);
 
-    Label2 = new QLabel(Text(ids::ChangeBySpaceOrMouse), this);
+    Label2 = new QLabel(ResText(ids::ChangeBySpaceOrMouse), this);
     Label2->setObjectName("Label2");
-    OK = new QPushButton(Text(ids::OK), this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
-    Cancel->setObjectName("Cancel");
-    Clear = new QPushButton(Text(ids::Clear), this);
-    Clear->setObjectName("Clear");
-    SetButtons(OK, Cancel, Clear);
+    MakeStandardButtons(OK, Cancel, &Clear);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -19,10 +19,6 @@
 namespace gantrix {
 namespace {
 
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
 constexpr int kRowCaptions[kLatchRows] = {ids::DeviceL,
                                           ids::DeviceB,
                                           ids::LowSpeedTimerRow,
@@ -59,7 +55,7 @@ frmLatch::frmLatch(ModuleState& state) : DialogBase(state, "frmLatch") {
 }
 
 void frmLatch::BuildControls() {
-    setWindowTitle(Text(ids::LatchRangeSetting));
+    setWindowTitle(ResText(ids::LatchRangeSetting));
     const bool a0j = State().CpuType == "A0J";
     const QFontMetrics metrics(font());
     const int boxWidth = metrics.horizontalAdvance(QStringLiteral("88888")) + 12;
@@ -69,9 +65,9 @@ void frmLatch::BuildControls() {
     for (int r = 0; r < kLatchRows; ++r) {
         // The second timer and counter block sits apart from the first.
         const int line = r < 8 ? r : r + 1;
-        Label1[r] = new QLabel(Text(kRowCaptions[r]), this);
+        Label1[r] = new QLabel(ResText(kRowCaptions[r]), this);
         Label1[r]->setObjectName(QString("Label1(%1)").arg(r));
-        Label1[12 + r] = new QLabel(Text(ids::RangeDash), this);
+        Label1[12 + r] = new QLabel(ResText(ids::RangeDash), this);
         Label1[12 + r]->setObjectName(QString("Label1(%1)").arg(12 + r));
         Label2[r] = new QLabel(QString::fromStdString(LatchRangeLabel(limits_, r)), this);
         Label2[r]->setObjectName(QString("Label2(%1)").arg(r));
@@ -119,7 +115,7 @@ void frmLatch::BuildControls() {
 
     auto* buttons = new QVBoxLayout;
     for (int k = 0; k < kLatchPatterns; ++k) {
-        ChangeLatch[k] = new QPushButton(Text(kPatternCaptions[k]), this);
+        ChangeLatch[k] = new QPushButton(ResText(kPatternCaptions[k]), this);
         ChangeLatch[k]->setObjectName(QString("ChangeLatch(%1)").arg(k));
         ChangeLatch[k]->setVisible(a0j);  // the other types type their ranges
         buttons->addWidget(ChangeLatch[k]);
@@ -128,14 +124,8 @@ void frmLatch::BuildControls() {
     }
     if (a0j) buttons->addSpacing(metrics.height());
     buttons->addStretch();
-    OK = new QPushButton(Text(ids::OK), this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
-    Cancel->setObjectName("Cancel");
-    Clear = new QPushButton(Text(ids::Clear), this);
-    Clear->setObjectName("Clear");
+    MakeStandardButtons(OK, Cancel, &Clear);
     for (QPushButton* button : {OK, Cancel, Clear}) buttons->addWidget(button);
-    SetButtons(OK, Cancel, Clear);
 
     auto* layout = new QHBoxLayout(this);
     layout->addLayout(grid);

@@ -20,10 +20,6 @@
 namespace gantrix {
 namespace {
 
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
 QLabel* NewLabel(QWidget* parent, const QString& name) {
     auto* label = new QLabel(parent);
     label->setObjectName(name);
@@ -58,7 +54,7 @@ frmMemory::frmMemory(ModuleState& state) : DialogBase(state, "frmMemory") {
 }
 
 void frmMemory::BuildControls() {
-    setWindowTitle(Text(ids::MemoryCapacitySetting));
+    setWindowTitle(ResText(ids::MemoryCapacitySetting));
     const auto newEdit = [this](const QString& name, int digits) {
         auto* edit = new QLineEdit(this);
         edit->setObjectName(name);
@@ -96,13 +92,7 @@ void frmMemory::BuildControls() {
     SlatchFileFlag = new QCheckBox(this);
     SlatchFileFlag->setObjectName("SlatchFileFlag");
 
-    OK = new QPushButton(this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(this);
-    Cancel->setObjectName("Cancel");
-    Clear = new QPushButton(this);
-    Clear->setObjectName("Clear");
-    SetButtons(OK, Cancel, Clear);
+    MakeStandardButtons(OK, Cancel, &Clear);
 
     LayOut();  // the captions follow in Form_Load, once the limits are known
 
@@ -203,7 +193,7 @@ void frmMemory::LayOut() {
         spin->setParent(frame);
         grid->addWidget(FieldBox(edit, spin), 0, 0);
         auto* unit = NewLabel(frame, name + "Unit");
-        unit->setText(Text(unitId));
+        unit->setText(ResText(unitId));
         grid->addWidget(unit, 0, 1);
         *range = NewLabel(frame, name + "Range");
         grid->addWidget(*range, 0, 2);
@@ -218,10 +208,10 @@ void frmMemory::LayOut() {
     QLabel* extCommentRange = nullptr;
     commentFrame_ =
         capacityFrame("CommentFrame", Text2, VScroll2, ids::KBytes, &commentRange, &CommentPoints);
-    commentRange->setText(Text(ids::CommentRange));
+    commentRange->setText(ResText(ids::CommentRange));
     extCommentFrame_ = capacityFrame("ExtCommentFrame", Text3, VScroll3, ids::KBytes,
                                      &extCommentRange, &ExtCommentPoints);
-    extCommentRange->setText(Text(ids::ExtensionCommentRange));
+    extCommentRange->setText(ResText(ids::ExtensionCommentRange));
     fileRegisterFrame_ = capacityFrame("FileRegisterFrame", Text4, VScroll4, ids::KPoints,
                                        &FileRegisterRange, nullptr);
 
@@ -251,7 +241,7 @@ void frmMemory::LayOut() {
     Text5->setParent(totalFrame_);
     total->addWidget(Text5);
     auto* totalUnit = NewLabel(totalFrame_, "TotalUnit");
-    totalUnit->setText(Text(ids::KBytes));
+    totalUnit->setText(ResText(ids::KBytes));
     total->addWidget(totalUnit);
     total->addStretch();
 
@@ -301,28 +291,26 @@ void frmMemory::LayOut() {
 
 void frmMemory::SetCaptions() {
     const std::string& cpu = State().CpuType;
-    programFrame_->setTitle(Text(ids::ProgramSize));
-    commentFrame_->setTitle(Text(ids::CommentSize));
-    extCommentFrame_->setTitle(Text(ids::ExtensionCommentSize));
-    fileRegisterFrame_->setTitle(Text(ids::FileRegisterCapacity));
-    statusLatchFrame_->setTitle(Text(ids::StatusLatch));
-    totalFrame_->setTitle(Text(ids::MemoryCapacity));
-    SanpFlag->setText(Text(ids::SamplingTrace));
-    SlatchDataFlag->setText(Text(ids::DataMemory));
-    SlatchFileFlag->setText(Text(ids::FileRegister));
-    traceLatchHint_->setText(Text(ids::TraceLatchHint));
-    OK->setText(Text(ids::OK));
-    Cancel->setText(Text(ids::Cancel));
-    Clear->setText(Text(ids::Clear));
-    FileRegisterRange->setText(Text(FileRegisterMax(cpu) == 4 ? ids::Range0To4 : ids::Range0To8));
+    programFrame_->setTitle(ResText(ids::ProgramSize));
+    commentFrame_->setTitle(ResText(ids::CommentSize));
+    extCommentFrame_->setTitle(ResText(ids::ExtensionCommentSize));
+    fileRegisterFrame_->setTitle(ResText(ids::FileRegisterCapacity));
+    statusLatchFrame_->setTitle(ResText(ids::StatusLatch));
+    totalFrame_->setTitle(ResText(ids::MemoryCapacity));
+    SanpFlag->setText(ResText(ids::SamplingTrace));
+    SlatchDataFlag->setText(ResText(ids::DataMemory));
+    SlatchFileFlag->setText(ResText(ids::FileRegister));
+    traceLatchHint_->setText(ResText(ids::TraceLatchHint));
+    FileRegisterRange->setText(
+        ResText(FileRegisterMax(cpu) == 4 ? ids::Range0To4 : ids::Range0To8));
 
-    for (QLabel* unit : stepUnit_) unit->setText(Text(ids::KSteps));
-    for (QLabel* unit : byteUnit_) unit->setText(Text(ids::KBytes));
+    for (QLabel* unit : stepUnit_) unit->setText(ResText(ids::KSteps));
+    for (QLabel* unit : byteUnit_) unit->setText(ResText(ids::KBytes));
     if (cpu == "A0J") {
-        SequenceHeader->setText(Text(ids::Sequence));
-        sequenceRange_->setText(Text(ids::Range1To7));
-        MicroHeader->setText(Text(ids::Microcomputer));
-        MicroState->setText(Text(ids::MicrocomputerNone));
+        SequenceHeader->setText(ResText(ids::Sequence));
+        sequenceRange_->setText(ResText(ids::Range1To7));
+        MicroHeader->setText(ResText(ids::Microcomputer));
+        MicroState->setText(ResText(ids::MicrocomputerNone));
         return;
     }
     int sequence = ids::Sequence1To30;
@@ -337,18 +325,18 @@ void frmMemory::SetCaptions() {
         sequence = ids::Sequence1To14;
         micro = ids::Microcomputer0To26;
     }
-    SequenceHeader->setText(Text(sequence));
-    MicroHeader->setText(Text(micro));
+    SequenceHeader->setText(ResText(sequence));
+    MicroHeader->setText(ResText(micro));
     // The U types take a reserved area out of the main program, so its own limit is shown,
     // joined to the text without a blank ("Main (Max28)") like the point counts.
     if (CpuIn(cpu, {"A2U", "A3U", "A4U"})) {
-        ProgramRow[0]->setText(Text(ids::MainMaxPrefix) + QString::number(MainMax) + ")");
+        ProgramRow[0]->setText(ResText(ids::MainMaxPrefix) + QString::number(MainMax) + ")");
     } else {
-        ProgramRow[0]->setText(Text(ids::Main));
+        ProgramRow[0]->setText(ResText(ids::Main));
     }
-    ProgramRow[1]->setText(Text(cpu == "A4U" ? ids::Sub1 : ids::Sub));
-    ProgramRow[2]->setText(Text(ids::Sub2));
-    ProgramRow[3]->setText(Text(ids::Sub3));
+    ProgramRow[1]->setText(ResText(cpu == "A4U" ? ids::Sub1 : ids::Sub));
+    ProgramRow[2]->setText(ResText(ids::Sub2));
+    ProgramRow[3]->setText(ResText(ids::Sub3));
 }
 
 void frmMemory::Form_Load() {
@@ -419,7 +407,7 @@ void frmMemory::SetMemorySettings() {
     ExtCommentPoints->setText(QString::fromStdString(SetPointNumber(1)));
     Text5->setText(QString::fromStdString(CalcMemory()));
     if (s.CpuType == "A0J" && MicroProgramPresent(s.image, ContextOf(s))) {
-        MicroState->setText(Text(ids::MicrocomputerExist));
+        MicroState->setText(ResText(ids::MicrocomputerExist));
     }
 }
 

@@ -9,27 +9,18 @@
 #include "common/DialogContext.h"
 #include "common/StringTable.h"
 #include "common/qt/DialogRegistry.h"
+#include "common/qt/FormControls.h"
 
 namespace gantrix {
-namespace {
-
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
-}  // namespace
+namespace {}  // namespace
 
 frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay") {
-    setWindowTitle(Text(ids::SupplementaryFunctions));
-    StepRelayFlag = new QCheckBox(Text(ids::StepRelaySetting), this);
+    setWindowTitle(ResText(ids::SupplementaryFunctions));
+    StepRelayFlag = new QCheckBox(ResText(ids::StepRelaySetting), this);
     StepRelayFlag->setObjectName("StepRelayFlag");
-    Label1 = new QLabel(Text(ids::SwitchBySpaceOrMouse), this);
+    Label1 = new QLabel(ResText(ids::SwitchBySpaceOrMouse), this);
     Label1->setObjectName("Label1");
-    OK = new QPushButton(Text(ids::OK), this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
-    Cancel->setObjectName("Cancel");
-    SetButtons(OK, Cancel, nullptr);
+    MakeStandardButtons(OK, Cancel, nullptr);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();

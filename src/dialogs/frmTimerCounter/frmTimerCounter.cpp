@@ -21,10 +21,6 @@
 namespace gantrix {
 namespace {
 
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
-
 QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
@@ -50,7 +46,7 @@ constexpr int kText2 = 8;  // 8..9; Text3 is the last
 
 frmTimerCounter::frmTimerCounter(ModuleState& state)
     : DialogBase(state, "frmTimerCounter"), group_(TimerGroupOf(state.CpuType)) {
-    setWindowTitle(Text(ids::TimerCounterSetting));
+    setWindowTitle(ResText(ids::TimerCounterSetting));
     BuildControls();
     ShowGroup();
     Guard([this] { SetTimerCounterSettings(); });
@@ -68,7 +64,7 @@ void frmTimerCounter::BuildControls() {
     const int counterSize = context.DeviceMaxSize['C'];
 
     auto label = [this](std::vector<QLabel*>& array, const QString& prefix, int id) {
-        auto* l = new QLabel(Text(id), this);
+        auto* l = new QLabel(ResText(id), this);
         l->setObjectName(QString("%1(%2)").arg(prefix).arg(array.size()));
         array.push_back(l);
         return l;
@@ -170,7 +166,7 @@ void frmTimerCounter::BuildControls() {
     };
 
     // Timers: points, the partition table (kinds across, blocks down), the device.
-    Frame1 = new QGroupBox(Text(ids::TimerSetting), this);
+    Frame1 = new QGroupBox(ResText(ids::TimerSetting), this);
     Frame1->setObjectName("Frame1");
     auto* timers = new QVBoxLayout(Frame1);
     timers->addLayout(pointsRow(Label1, "Label1", Text1[0], VScroll1[0]));
@@ -189,7 +185,7 @@ void frmTimerCounter::BuildControls() {
     timers->addLayout(partition);
     timers->addLayout(deviceRow(Label1, "Label1", Combo1, Text1[7], VScroll1[7]));
 
-    Frame2 = new QGroupBox(Text(ids::CounterSetting), this);
+    Frame2 = new QGroupBox(ResText(ids::CounterSetting), this);
     Frame2->setObjectName("Frame2");
     auto* counters = new QVBoxLayout(Frame2);
     counters->addLayout(pointsRow(Label2, "Label2", Text2[0], VScroll2[0]));
@@ -197,7 +193,7 @@ void frmTimerCounter::BuildControls() {
 
     Frame3 = new QGroupBox(this);
     Frame3->setObjectName("Frame3");
-    InterruptCounter = new QPushButton(Text(ids::InterruptCounter), Frame3);
+    InterruptCounter = new QPushButton(ResText(ids::InterruptCounter), Frame3);
     InterruptCounter->setObjectName("InterruptCounter");
     auto* interrupts = new QHBoxLayout(Frame3);
     interrupts->addWidget(InterruptCounter);
@@ -205,13 +201,7 @@ void frmTimerCounter::BuildControls() {
     connect(InterruptCounter, &QPushButton::clicked, this,
             [this] { Guard([this] { InterruptCounter_Click(); }); });
 
-    OK = new QPushButton(Text(ids::OK), this);
-    OK->setObjectName("OK");
-    Cancel = new QPushButton(Text(ids::Cancel), this);
-    Cancel->setObjectName("Cancel");
-    Clear = new QPushButton(Text(ids::Clear), this);
-    Clear->setObjectName("Clear");
-    SetButtons(OK, Cancel, Clear);
+    MakeStandardButtons(OK, Cancel, &Clear);
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
     buttons->addWidget(OK);

@@ -10,15 +10,12 @@
 #include <QVBoxLayout>
 
 #include "common/StringTable.h"
+#include "common/qt/FormControls.h"
 
 namespace gantrix {
 namespace {
 
 constexpr int kLastRow = kNamesPerPage - 1;
-
-QString Text(int id) {
-    return QString::fromStdString(LoadResString(id));
-}
 
 }  // namespace
 
@@ -30,13 +27,13 @@ frmTypeNameSet::frmTypeNameSet(ModuleState& state, IOLayoutFields& assignment)
 }
 
 void frmTypeNameSet::BuildControls() {
-    setWindowTitle(Text(ids::ModuleNameTitle));
+    setWindowTitle(ResText(ids::ModuleNameTitle));
     auto* grid = new QGridLayout;
     grid->setHorizontalSpacing(10);
     grid->setVerticalSpacing(4);
     const int headers[3] = {ids::SlotNo, ids::Module, ids::ModuleNameColumn};
     for (int c = 0; c < 3; ++c) {
-        Label1[c] = new QLabel(Text(headers[c]), this);
+        Label1[c] = new QLabel(ResText(headers[c]), this);
         Label1[c]->setObjectName(QString("Label1(%1)").arg(c));
         grid->addWidget(Label1[c], 0, c, c == 0 ? Qt::AlignRight : Qt::AlignLeft);
     }
@@ -72,9 +69,9 @@ void frmTypeNameSet::BuildControls() {
                 [this, row] { Guard([this, row] { Combo1_Change(row); }); });
     }
 
-    ChangePage[0] = new QPushButton(Text(ids::ModuleNamePrevious), this);
-    ChangePage[1] = new QPushButton(Text(ids::Next), this);
-    Close = new QPushButton(Text(ids::Close), this);
+    ChangePage[0] = new QPushButton(ResText(ids::ModuleNamePrevious), this);
+    ChangePage[1] = new QPushButton(ResText(ids::Next), this);
+    Close = new QPushButton(ResText(ids::Close), this);
     Close->setObjectName("Close");
     auto* buttons = new QHBoxLayout;
     for (int i = 0; i < 2; ++i) {
