@@ -295,3 +295,21 @@ TEST(GetDeviceMaxSize, ASizeAboveTheSixteenBitRangeOverflows) {
 
 }  // namespace
 }  // namespace gantrix
+
+namespace gantrix {
+namespace {
+
+TEST(GetAppPath, IsTheDirectoryOfTheComponentWithItsSeparator) {
+    const std::string path = GetAppPath();
+    ASSERT_FALSE(path.empty());
+    EXPECT_EQ(path.back(), '/');
+    EXPECT_EQ(path.front(), '/');
+    struct stat info {};
+    ASSERT_EQ(::stat(path.c_str(), &info), 0) << path;
+    EXPECT_TRUE(S_ISDIR(info.st_mode));
+    // The tests are linked from the build directory, so the component's directory is there.
+    EXPECT_EQ(Dir(path + "core_tests"), "core_tests");
+}
+
+}  // namespace
+}  // namespace gantrix
