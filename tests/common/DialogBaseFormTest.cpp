@@ -175,6 +175,17 @@ TEST(DialogBase, EnterAndArrowsFollowTheFieldOrderSkippingHiddenFields) {
     EXPECT_EQ(f.dialog->focusWidget(), f.Field(2));
 }
 
+TEST(DialogBase, TabFollowsTheFieldOrderThenTheButtons) {
+    Fixture f;
+    std::vector<QWidget*> seen;
+    for (int i = 0; i < 6; ++i) {
+        seen.push_back(QApplication::focusWidget());
+        PressKey(QApplication::focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(seen, (std::vector<QWidget*>{f.Field(0), f.Field(1), f.Field(2), f.Button(0),
+                                           f.Button(1), f.Button(2)}));
+}
+
 TEST(DialogBase, ARuntimeErrorShowsItsDescriptionAndPutsTheImageBack) {
     Fixture f;
     f.Field(0)->setText("9");

@@ -26,6 +26,12 @@ void DialogBase::FinishLoad() {
         button->setAutoDefault(false);
         button->setDefault(false);
     }
+    // Tab walks the fields in the same order as Enter and the arrow keys, then the buttons.
+    std::vector<QWidget*> chain = order_;
+    for (QPushButton* button : {ok_, cancel_, clear_}) {
+        if (button) chain.push_back(button);
+    }
+    for (size_t i = 1; i < chain.size(); ++i) QWidget::setTabOrder(chain[i - 1], chain[i]);
     for (QWidget* field : order_) {
         if (field->isEnabled() && !field->isHidden()) {
             field->setFocus();

@@ -43,7 +43,8 @@ class DialogBase : public FormBase {
 
     // Clears DataChanged, remembers the image as loaded (until then the image as opened is
     // what a runtime error puts back), registers the numbered controls for error
-    // colouring, and gives the first field of the order the focus.
+    // colouring, makes Tab follow the field order and then the buttons, and gives the first
+    // field of the order the focus.
     void FinishLoad();
 
     // The input fields in the dialog's order: Enter and the arrow keys follow it, hidden or
