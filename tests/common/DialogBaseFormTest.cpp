@@ -51,6 +51,9 @@ class TestDialog : public DialogBase {
             buttons.push_back(button);
         }
         SetButtons(buttons[0], buttons[1], buttons[2]);
+        other = new QPushButton("Other", this);  // made last, tabbed to before OK
+        other->setObjectName("Other");
+        layout->addWidget(other);
         SetFieldOrder({fields[0], fields[1], fields[2]});
         fields[0]->setText(QString::number(State().image[300]));
         FinishLoad();
@@ -73,6 +76,7 @@ class TestDialog : public DialogBase {
 
     std::vector<QLineEdit*> fields;
     std::vector<QPushButton*> buttons;
+    QPushButton* other = nullptr;
 };
 
 struct Fixture {
@@ -175,15 +179,15 @@ TEST(DialogBase, EnterAndArrowsFollowTheFieldOrderSkippingHiddenFields) {
     EXPECT_EQ(f.dialog->focusWidget(), f.Field(2));
 }
 
-TEST(DialogBase, TabFollowsTheFieldOrderThenTheButtons) {
+TEST(DialogBase, TabFollowsTheFieldOrderThenTheOtherButtonsThenOkCancelClear) {
     Fixture f;
     std::vector<QWidget*> seen;
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < 7; ++i) {
         seen.push_back(QApplication::focusWidget());
         PressKey(QApplication::focusWidget(), Qt::Key_Tab);
     }
-    EXPECT_EQ(seen, (std::vector<QWidget*>{f.Field(0), f.Field(1), f.Field(2), f.Button(0),
-                                           f.Button(1), f.Button(2)}));
+    EXPECT_EQ(seen, (std::vector<QWidget*>{f.Field(0), f.Field(1), f.Field(2), f.dialog->other,
+                                           f.Button(0), f.Button(1), f.Button(2)}));
 }
 
 TEST(DialogBase, ARuntimeErrorShowsItsDescriptionAndPutsTheImageBack) {

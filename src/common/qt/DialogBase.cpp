@@ -1,5 +1,8 @@
 #include "common/qt/DialogBase.h"
 
+#include <algorithm>
+
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
@@ -26,8 +29,17 @@ void DialogBase::FinishLoad() {
         button->setAutoDefault(false);
         button->setDefault(false);
     }
-    // Tab walks the fields in the same order as Enter and the arrow keys, then the buttons.
+    // Tab walks the fields in the same order as Enter and the arrow keys, then the dialog's
+    // other buttons in the order they were made, then OK, Cancel and Clear.
     std::vector<QWidget*> chain = order_;
+    const auto chained = [&chain](QWidget* w) {
+        return std::find(chain.begin(), chain.end(), w) != chain.end();
+    };
+    for (QPushButton* button : findChildren<QPushButton*>()) {
+        if (button != ok_ && button != cancel_ && button != clear_ && !chained(button)) {
+            chain.push_back(button);
+        }
+    }
     for (QPushButton* button : {ok_, cancel_, clear_}) {
         if (button) chain.push_back(button);
     }
@@ -68,6 +80,15 @@ void DialogBase::MakeStandardButtons(QPushButton*& ok, QPushButton*& cancel, QPu
     cancel = make(ids::Cancel, "Cancel");
     if (clear) *clear = make(ids::Clear, "Clear");
     SetButtons(ok, cancel, clear ? *clear : nullptr);
+}
+
+QHBoxLayout* DialogBase::StandardButtonRow() {
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    for (QPushButton* button : {ok_, cancel_, clear_}) {
+        if (button) row->addWidget(button);
+    }
+    return row;
 }
 
 int DialogBase::IndexInOrder(QWidget* widget) const {

@@ -12,6 +12,7 @@
 #include "common/qt/FormBase.h"
 #include "store/ParameterImage.h"
 
+class QHBoxLayout;
 class QLineEdit;
 
 namespace gantrix {
@@ -43,8 +44,8 @@ class DialogBase : public FormBase {
 
     // Clears DataChanged, remembers the image as loaded (until then the image as opened is
     // what a runtime error puts back), registers the numbered controls for error
-    // colouring, makes Tab follow the field order and then the buttons, and gives the first
-    // field of the order the focus.
+    // colouring, makes Tab follow the field order, the other buttons, then OK, Cancel and
+    // Clear, and gives the first field of the order the focus.
     void FinishLoad();
 
     // The input fields in the dialog's order: Enter and the arrow keys follow it, hidden or
@@ -60,6 +61,8 @@ class DialogBase : public FormBase {
     // Makes the OK, Cancel and (when clear is given) Clear buttons with their captions and
     // object names, and wires them as SetButtons does; the dialog places them.
     void MakeStandardButtons(QPushButton*& ok, QPushButton*& cancel, QPushButton** clear);
+    // A row with OK, Cancel and Clear on its right, for the dialog's layout.
+    QHBoxLayout* StandardButtonRow();
 
     // End: OK; Left/Up and Right/Down: previous and next field; Page Up/Down: ChangePageKey.
     bool FormKeyDown(QKeyEvent* event, QWidget* focus) override;

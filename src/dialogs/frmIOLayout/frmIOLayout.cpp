@@ -108,13 +108,9 @@ void frmIOLayout::BuildControls() {
             [this] { Guard([this] { ChangePage_Click(); }); });
     connect(Type, &QPushButton::clicked, this, [this] { Guard([this] { Type_Click(); }); });
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addWidget(ChangePage);
-    buttons->addWidget(Type);
-    buttons->addStretch();
-    buttons->addWidget(OK);
-    buttons->addWidget(Cancel);
-    buttons->addWidget(Clear);
+    QHBoxLayout* buttons = StandardButtonRow();
+    buttons->insertWidget(0, ChangePage);
+    buttons->insertWidget(1, Type);
 
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(legend);

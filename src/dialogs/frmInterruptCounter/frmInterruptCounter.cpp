@@ -42,23 +42,12 @@ frmInterruptCounter::frmInterruptCounter(ModuleState& state)
     Label2->setObjectName("Label2");
     MakeStandardButtons(OK, Cancel, &Clear);
 
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(OK);
-    buttons->addWidget(Cancel);
-    buttons->addWidget(Clear);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(grid);
     layout->addWidget(Label2);
-    layout->addLayout(buttons);
+    layout->addLayout(StandardButtonRow());
 
     SetFieldOrder({PointerFlag.begin(), PointerFlag.end()});
-    for (int k = 0; k + 1 < kInterruptCounters; ++k) {
-        setTabOrder(PointerFlag[k], PointerFlag[k + 1]);
-    }
-    setTabOrder(PointerFlag.back(), OK);
-    setTabOrder(OK, Cancel);
-    setTabOrder(Cancel, Clear);
 
     Guard([this] { SetInterruptCounterSettings(); });
     FinishLoad();

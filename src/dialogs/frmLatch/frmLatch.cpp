@@ -135,9 +135,6 @@ void frmLatch::BuildControls() {
     std::vector<QWidget*> order(Text1.begin(), Text1.end());
     order.insert(order.end(), ChangeLatch.begin(), ChangeLatch.end());
     SetFieldOrder(order);
-    // Tab walks the boxes row by row, start before end, then the buttons.
-    order.insert(order.end(), {OK, Cancel, Clear});
-    for (size_t k = 1; k < order.size(); ++k) setTabOrder(order[k - 1], order[k]);
 }
 
 LatchFields frmLatch::FieldsOfControls() const {

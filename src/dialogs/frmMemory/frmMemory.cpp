@@ -116,10 +116,6 @@ void frmMemory::BuildControls() {
                                                       SlatchFileFlag, Text2, Text3}) {
         order.push_back(w);
     }
-    for (size_t i = 0; i + 1 < order.size(); ++i) setTabOrder(order[i], order[i + 1]);
-    setTabOrder(order.back(), OK);
-    setTabOrder(OK, Cancel);
-    setTabOrder(Cancel, Clear);
     SetFieldOrder(std::move(order));
 }
 
@@ -260,14 +256,9 @@ void frmMemory::LayOut() {
     auto* columns = new QHBoxLayout;
     columns->addLayout(left, 3);
     columns->addLayout(right, 2);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(OK);
-    buttons->addWidget(Cancel);
-    buttons->addWidget(Clear);
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(columns);
-    layout->addLayout(buttons);
+    layout->addLayout(StandardButtonRow());
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     // Hidden fields are hidden themselves too, so that nothing gives them the focus.

@@ -21,15 +21,10 @@ frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay
     Label1 = new QLabel(ResText(ids::SwitchBySpaceOrMouse), this);
     Label1->setObjectName("Label1");
     MakeStandardButtons(OK, Cancel, nullptr);
-
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(OK);
-    buttons->addWidget(Cancel);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(StepRelayFlag);
     layout->addWidget(Label1);
-    layout->addLayout(buttons);
+    layout->addLayout(StandardButtonRow());
 
     // Load: checked only for the step relay boundary 1535.
     Guard([this] { StepRelayFlag->setChecked(ReadStepRelay(State().image).StepRelayFlag); });
@@ -42,8 +37,6 @@ frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay
         FocusNextField(StepRelayFlag);
     });
     SetFieldOrder({StepRelayFlag});
-    setTabOrder(StepRelayFlag, OK);
-    setTabOrder(OK, Cancel);
     FinishLoad();
 }
 

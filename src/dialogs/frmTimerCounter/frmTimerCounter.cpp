@@ -202,32 +202,17 @@ void frmTimerCounter::BuildControls() {
             [this] { Guard([this] { InterruptCounter_Click(); }); });
 
     MakeStandardButtons(OK, Cancel, &Clear);
-    auto* buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(OK);
-    buttons->addWidget(Cancel);
-    buttons->addWidget(Clear);
-
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(Frame1);
     layout->addWidget(Frame2);
     layout->addWidget(Frame3);
-    layout->addLayout(buttons);
+    layout->addLayout(StandardButtonRow());
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     const std::vector<QWidget*> order = {Text1[0], Text1[1], Text1[2], Text1[3], Text1[4],
                                          Text1[5], Text1[6], Text3,    Combo1,   Text1[7],
                                          Text2[0], Combo2,   Text2[1]};
     SetFieldOrder(order);
-    QWidget* previous = nullptr;
-    for (QWidget* w : order) {
-        if (previous) setTabOrder(previous, w);
-        previous = w;
-    }
-    for (QWidget* w : std::initializer_list<QWidget*>{InterruptCounter, OK, Cancel, Clear}) {
-        setTabOrder(previous, w);
-        previous = w;
-    }
 }
 
 void frmTimerCounter::ShowGroup() {

@@ -155,15 +155,20 @@ void frmTypeNameSet::reject() {
     Guard([this] { Close_Click(); });
 }
 
+// Enter: the next row's slot code, from the last row Close.
+void frmTypeNameSet::FocusNextRow(int row) {
+    if (row < kLastRow) {
+        Text1[row + 1]->setFocus();
+    } else {
+        Close->setFocus();
+    }
+}
+
 void frmTypeNameSet::Text1_KeyPress(int row, int& keyAscii) {
     if (keyAscii == 27) return;  // Escape closes
     if (keyAscii == 13) {
         keyAscii = 0;
-        if (row < kLastRow) {
-            Text1[row + 1]->setFocus();
-        } else {
-            Close->setFocus();
-        }
+        FocusNextRow(row);
         return;
     }
     const auto code = SlotCodeForKey(keyAscii);
@@ -194,11 +199,7 @@ void frmTypeNameSet::Combo1_KeyPress(int row, int& keyAscii) {
     if (keyAscii == 27) return;
     if (keyAscii == 13) {
         keyAscii = 0;
-        if (row < kLastRow) {
-            Text1[row + 1]->setFocus();
-        } else {
-            Close->setFocus();
-        }
+        FocusNextRow(row);
         return;
     }
     // A slot without a module has no model name.

@@ -51,6 +51,7 @@ class frmTypeNameSet : public FormBase {
     void StorePage();
     int RowOf(const QWidget* widget, bool& inName) const;
     void FocusRow(int row, bool name);
+    void FocusNextRow(int row);
     void Text1_KeyPress(int row, int& keyAscii);
     void Text1_Change(int row);
     void Combo1_KeyPress(int row, int& keyAscii);
