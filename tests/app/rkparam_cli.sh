@@ -46,6 +46,14 @@ grep -q '100 bytes' "$work/err" || fail "the wrong size is given"
 [ "$(stat -c %s "$work/empty/param.tmp")" = 100 ] || fail "a refused project is not touched"
 [ ! -e "$work/empty/param.\$\$\$" ] || fail "a refused run makes no working file"
 
+# -v prints what the host window receives: the menu's activation sends WM_COMMAND 60000 with
+# the address of a zero. Nobody answers the menu here, so the run is stopped after a while.
+"$rkparam" new --cpu A2U "$work/verbose" >/dev/null
+timeout 5 "$rkparam" -v "$work/verbose" >"$work/out" 2>"$work/err"
+[ $? -eq 124 ] || fail "-v run: the menu should still be waiting ($(cat "$work/err"))"
+grep -q 'msg=0x111 wParam=60000 lParam=&0 (sent)' "$work/out" \
+    || fail "-v prints the activation notification (CPU type read from rkparam.cpu): $(cat "$work/out")"
+
 expect_status 2 "no arguments" "$rkparam"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"
 
