@@ -3,7 +3,6 @@
 #include "dialogs/frmIOLayout/IOLayoutFields.h"
 #include "dialogs/frmTypeNameSet/TypeNameSetFields.h"
 #include "platform/rkcmnt/DeviceTable.h"
-#include "platform/rkcmnt/rkcmnt.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
@@ -105,8 +104,7 @@ IOLayoutFields AssignmentOf(int points) {
 
 TEST(IOLayoutFields, ThePointsAreCheckedAgainstEachCpusRange) {
     for (std::string_view code : platform::kCpuTypes) {
-        std::string cpu(code), dir = "/tmp/";
-        RkSetupGlobal(dir.data(), cpu.data(), CpuCodeOf(cpu), nullptr);
+        const std::string cpu(code);
         const int range = platform::FindDeviceSizes(cpu)->IoPoints;
         const ParameterImage image = test::DefaultImage(cpu);
         EXPECT_FALSE(ValidateIOLayout(AssignmentOf(range - 16), image, ContextFor(cpu)).Any());

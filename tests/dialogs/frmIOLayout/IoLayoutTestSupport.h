@@ -11,7 +11,6 @@
 #include <memory>
 
 #include "dialogs/frmIOLayout/frmIOLayout.h"
-#include "platform/rkcmnt/rkcmnt.h"
 #include "store/ParameterFiles.h"
 #include "support/ModalDriver.h"
 #include "support/core/TestSupport.h"
@@ -53,8 +52,6 @@ struct IoFixture {
         state.Presenter = &messages;
         if (before) before(state.image);
         CopyWorkFiles(state);
-        std::string dir = project.Path(), code = cpu;
-        RkSetupGlobal(dir.data(), code.data(), state.CpuCode, state.image.data());
     }
     IoFixture& Open() {
         form = std::make_unique<frmIOLayout>(state);
