@@ -39,7 +39,6 @@ bool ErrorTables::ControlHasMessage(int control, int message) const {
 
 bool ReportErrors(ModuleState& state, const ErrorTables& errors,
                   const std::function<void(int)>& paint) {
-    state.Errors = errors;
     const bool clean = !errors.Any();
     for (int n = 0; n <= kMaxMessageNo; ++n) {
         if (!errors.ErrorMessageFlags[n]) continue;
@@ -48,7 +47,6 @@ bool ReportErrors(ModuleState& state, const ErrorTables& errors,
             if (errors.ControlErrorFlags[c][n] && paint) paint(c);
         }
     }
-    state.Errors.Clear();
     return clean;
 }
 

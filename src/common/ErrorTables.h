@@ -28,8 +28,9 @@ struct ErrorTables {
 struct ModuleState;
 
 // Shows each recorded message once, in ascending number, through ShowMessage; when a box is
-// answered "OK", calls paint for every control recorded for that message. Clears the tables
-// of state afterwards. Returns true when nothing was recorded.
+// answered "OK", calls paint for every control recorded for that message. The tables are
+// the check's own, built fresh by each Validate function. Returns true when nothing was
+// recorded.
 bool ReportErrors(ModuleState& state, const ErrorTables& errors,
                   const std::function<void(int control)>& paint);
 

@@ -8,7 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "common/ErrorTables.h"
 #include "store/StoreState.h"
 
 namespace gantrix {
@@ -43,8 +42,6 @@ struct ModuleState : StoreState {
     bool ParamPrintActive = false;
     std::string NetBookName;
     std::string ParamBookName;
-
-    ErrorTables Errors;  // ErrorMessageFlags and ControlErrorFlags
 
     // The runtime error being handled; message 0 shows its description.
     std::string PendingErrorDescription;

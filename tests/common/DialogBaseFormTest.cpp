@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "common/ControlNumbers.h"
+#include "common/ErrorTables.h"
 #include "common/qt/DialogBase.h"
 #include "common/qt/FormControls.h"
 #include "common/qt/QtMessagePresenter.h"
