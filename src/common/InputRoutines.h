@@ -34,10 +34,10 @@ std::string PadZero4(const std::string& text);
 // texts cleaned by CheckHexText and padded by PadZero4.
 long HexToValue(const std::string& text);
 
-// Leading and trailing blanks removed (blanks only, as the original's Trim).
+// Leading and trailing blanks removed (blanks only: tabs and other white space stay).
 std::string Trim(const std::string& text);
 
-// Decimal value of a field as the original's Val reads it: blanks are skipped, digits are
+// Decimal value of a field: blanks are skipped, digits are
 // read up to the first other character; an empty text is 0.
 long ValueOf(const std::string& text);
 

@@ -9,7 +9,7 @@
 namespace gantrix {
 namespace {
 
-// Three-line messages join their texts with LF followed by CR, as the original did.
+// Three-line messages join their lines with LF then CR, as the host's own texts do.
 std::string ThreeLines(int first) {
     const std::string separator = "\n\r";
     return LoadResString(first) + separator + LoadResString(ids::EndInstructionWillBeDeleted) +
@@ -53,9 +53,9 @@ constexpr Row kMessages[26] = {
 
 }  // namespace
 
-std::optional<MessageBoxSpec> MessageBoxOf(int number, const std::string& pendingError) {
+std::optional<MessageBoxLook> MessageBoxOf(int number, const std::string& pendingError) {
     if (number < 0 || number > 25 || number == 6) return std::nullopt;
-    MessageBoxSpec box;
+    MessageBoxLook box;
     box.number = number;
     box.style = kMessages[number].style;
     box.caption = LoadResString(number == 23 ? ids::MessageBoxCaptionR : ids::MessageBoxCaption);

@@ -17,7 +17,7 @@ enum MessageStyle : int {
     kStyleYesNoNoDefault = 292,  // Yes/No, question icon, No the default
 };
 
-struct MessageBoxSpec {
+struct MessageBoxLook {
     int number = 0;
     std::string text;
     std::string caption;
@@ -31,12 +31,12 @@ enum class MessageButton { None, Ok, Cancel, Yes, No };
 class MessagePresenter {
   public:
     virtual ~MessagePresenter() = default;
-    virtual MessageButton Present(const MessageBoxSpec& box) = 0;
+    virtual MessageButton Present(const MessageBoxLook& box) = 0;
 };
 
 // The box of message number (0..25); number 0 carries pendingError as its text. Number 6
 // and numbers outside the table have no box.
-std::optional<MessageBoxSpec> MessageBoxOf(int number, const std::string& pendingError);
+std::optional<MessageBoxLook> MessageBoxOf(int number, const std::string& pendingError);
 
 // "OK", "Cancel", "YES", "No", or "" for no box.
 std::string AnswerText(MessageButton button);

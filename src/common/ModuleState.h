@@ -1,7 +1,7 @@
 #pragma once
 // The state of the parameter mode that lives from one call of the entry to the next. The
-// entry uses one process-wide instance, as the original kept one image per process; forms
-// get it by reference and tests make their own.
+// entry uses one process-wide instance (hosts expect one image per process); forms get it
+// by reference and tests make their own.
 
 #include <array>
 #include <cstdint>

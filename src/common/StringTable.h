@@ -1,9 +1,9 @@
 // The component's one string table: every text a window or message box shows, in English.
 //
-// Ids 2190 and 2298..2343 are the ids these texts had in the original table and are kept; every
-// other text has an id of its own below 2298. Ids 2037..2054, 2056, 2119 and 2268 held the
-// original space-key hints, but which hint had which of them is not known, so they stay unused
-// and the hints here carry new ids.
+// Ids 2190 and 2298..2343 are fixed: hosts and the message numbers rely on them. Every other
+// text has an id of its own below 2298. Ids 2037..2054, 2056, 2119 and 2268 are reserved for the
+// space-key hints of the host product's table, whose order is not known to us, so they stay
+// unused and the hints here carry new ids.
 // One text, one id: a caption that several windows show ("OK", "Cancel", "Clear", a dialog title
 // that is also a menu item) is listed once, under the first window that uses it.
 #pragma once

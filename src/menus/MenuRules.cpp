@@ -79,7 +79,8 @@ bool WorkbookStillOpen(const std::string& bookName, int row, const std::string& 
             }
         }
     } catch (...) {
-        // The original ignored every automation error here and went on.
+        // A spreadsheet that fails to answer counts as closed: the user must never be kept
+        // in the menu by an automation error.
     }
     return false;
 }

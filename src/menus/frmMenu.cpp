@@ -17,7 +17,6 @@
 #include "store/ParameterFiles.h"
 
 namespace gantrix {
-namespace {}  // namespace
 
 frmMenu::frmMenu(ModuleState& state) : FormBase(state, "frmMenu") {
     setWindowTitle(ResText(ids::Parameter));
@@ -65,9 +64,9 @@ frmMenu::frmMenu(ModuleState& state) : FormBase(state, "frmMenu") {
 }
 
 void frmMenu::Form_Load() {
-    // The original made its own directory the current one here, for the spreadsheet
-    // templates; this component names that directory explicitly wherever it needs it, so a
-    // host's relative project path keeps working.
+    // The working directory is left as the host set it: the component names its own
+    // directory explicitly wherever it needs it, so a host's relative project path keeps
+    // working.
     ModuleState& s = State();
     s.NetEditActive = false;
     s.ParamPrintActive = false;

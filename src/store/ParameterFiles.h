@@ -21,9 +21,9 @@ inline constexpr const char* kNetparaTmp = "netpara.tmp";
 inline constexpr const char* kNetparaWork = "netpara.$$$";
 
 // The name part of the regular file at path, spelled as the directory stores it, or "" when
-// there is none. Names are looked up without regard to case, as the original file system
-// did, so callers compare the result exactly or in lower case as each test requires, and
-// use the returned spelling for any operation on the file.
+// there is none. Names are looked up without regard to case (projects move between file
+// systems that fold case and ones that do not); callers compare the result exactly or in
+// lower case as each test requires, and use the returned spelling for any operation on it.
 std::string Dir(const std::string& path);
 
 // Writes image bytes 0..3071 to ProjectDir & name.

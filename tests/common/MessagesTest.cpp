@@ -75,7 +75,7 @@ void HostProc(intptr_t, uint32_t msg, uintptr_t wParam, intptr_t lParam, void* c
 class LoggingPresenter : public ScriptedMessages {
   public:
     explicit LoggingPresenter(HostLog& log) : log_(log) {}
-    MessageButton Present(const MessageBoxSpec& box) override {
+    MessageButton Present(const MessageBoxLook& box) override {
         // Posted messages reach the host while the box is up.
         User32DispatchPosted();
         log_.events.push_back("box " + std::to_string(box.number));

@@ -107,7 +107,7 @@ TEST(StringTableTest, EveryIdIsUniqueAscendingAndHoldsItsOwnText) {
         EXPECT_LE(id, 2343);
         if (!IsFixedId(id)) {
             EXPECT_LT(id, 2298) << id;
-            // Held by the original space-key hints, whose order is unknown.
+            // Reserved for the host product's space-key hints, whose order is unknown.
             EXPECT_FALSE((id >= 2037 && id <= 2054) || id == 2056 || id == 2119 || id == 2268)
                 << id;
         }

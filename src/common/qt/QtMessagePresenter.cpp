@@ -6,7 +6,7 @@
 
 namespace gantrix {
 
-MessageButton QtMessagePresenter::Present(const MessageBoxSpec& box) {
+MessageButton QtMessagePresenter::Present(const MessageBoxLook& box) {
     QMessageBox dialog(QApplication::activeWindow());
     dialog.setObjectName("MessageBox");
     // Tests and hosts read which message this is without parsing its text.

@@ -8,7 +8,7 @@ namespace gantrix {
 
 class QtMessagePresenter : public MessagePresenter {
   public:
-    MessageButton Present(const MessageBoxSpec& box) override;
+    MessageButton Present(const MessageBoxLook& box) override;
 
     // The presenter the component uses by default.
     static QtMessagePresenter& Instance();

@@ -1,6 +1,5 @@
 #pragma once
-// A pair of up/down arrows beside a text box, with the semantics of the original's vertical
-// scroll bar: Min is the value at the top, Max the value at the bottom, and Min may be above
+// A pair of up/down arrows beside a text box, with the semantics of a vertical scroll bar: Min is the value at the top, Max the value at the bottom, and Min may be above
 // Max. The up arrow moves Value toward Min, the down arrow toward Max, by SmallChange.
 // Change is emitted whenever Value changes, by the arrows or by code.
 //

@@ -13,7 +13,6 @@
 #include "common/qt/FormControls.h"
 
 namespace gantrix {
-namespace {}  // namespace
 
 frmInterruptCounter::frmInterruptCounter(ModuleState& state)
     : DialogBase(state, "frmInterruptCounter") {

@@ -12,7 +12,6 @@
 #include "common/qt/FormControls.h"
 
 namespace gantrix {
-namespace {}  // namespace
 
 frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay") {
     setWindowTitle(ResText(ids::SupplementaryFunctions));

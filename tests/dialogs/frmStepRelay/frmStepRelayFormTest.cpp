@@ -7,8 +7,7 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "support/ModalDriver.h"
-#include "support/core/TestSupport.h"
+#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -88,6 +87,26 @@ TEST(StepRelayForm, CancelAsksAfterAToggleAndKeepsTheImage) {
     EXPECT_FALSE(f.isVisible());
     EXPECT_EQ(open.messages.Numbers(), (std::vector<int>{1, 1}));
     EXPECT_EQ(open.state.image, before);
+}
+
+// The menu's "Supplementary Functions" opens this dialog for the smallest CPU, and the
+// step relays chosen there reach "param.tmp".
+TEST(StepRelayForm, FromTheMenuToParamTmp) {
+    test::TempProject project("A0J");
+    const ParameterImage image = project.ParamTmp();
+    test::ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(4)"), Qt::Key_Return); })
+        .On("frmStepRelay",
+            [](QWidget* dialog) {
+                PressKey(test::Child(dialog, "StepRelayFlag"), Qt::Key_Space);
+                PressKey(dialog, Qt::Key_End);
+            })
+        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
+    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), test::SavedWith(image, "A0J", {{18, 1535}})),
+              std::vector<int>{});
 }
 
 }  // namespace

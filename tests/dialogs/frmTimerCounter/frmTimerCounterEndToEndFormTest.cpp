@@ -8,10 +8,7 @@
 #include <QTest>
 
 #include "common/qt/DialogRegistry.h"
-#include "entry/GantrixA0J.h"
-#include "store/CheckSum.h"
-#include "support/ModalDriver.h"
-#include "support/core/TestSupport.h"
+#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -19,34 +16,15 @@ namespace {
 using test::Child;
 using test::ModalDriver;
 using test::PressKey;
+using test::RunParameterMode;
+using test::SavedWith;
 using test::TempProject;
-
-// One run of the parameter mode on project; returns Param_main's result.
-int RunParameterMode(const TempProject& project, ModalDriver& driver) {
-    ::RKParam* object = RKParam_Create();
-    RKParam_Let_szPcName(object, project.Cpu().c_str());
-    RKParam_Let_ProjectName(object, project.Path().c_str());
-    int16_t result = -1;
-    driver.Run([&] { EXPECT_EQ(RKParam_Param_main(object, &result), 0); });
-    RKParam_Release(object);
-    return result;
-}
 
 void Retype(QWidget* window, const QString& box, const QString& text) {
     auto* edit = test::ChildAs<QLineEdit>(window, box);
     edit->setFocus();
     edit->selectAll();
     QTest::keyClicks(edit, text);
-}
-
-// The image the menu's OK should save: the project's image with words changed and fresh
-// check bytes.
-ParameterImage Expected(const TempProject& project, const ParameterImage& image,
-                        const std::vector<std::pair<int, int>>& words) {
-    ParameterImage expected = image;
-    for (const auto& [index, value] : words) expected.SetParamWord(value, index);
-    SetCheckSum(expected, project.Cpu(), false);
-    return expected;
 }
 
 // Latch T0-199 low speed and T200-255 high speed, on a default "A3 " project.
@@ -73,11 +51,11 @@ TEST(TimerCounterEndToEnd, NewPartitionRefitsTheTimerLatchesInParamTmp) {
         .On("frmMenu", [](QWidget* menu) { PressKey(Child(menu, "MenuItem(2)"), Qt::Key_Return); })
         .On("frmTimerCounter", NewPartition)
         .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(RunParameterMode(project, driver), 1);
+    EXPECT_EQ(RunParameterMode(project, driver).result, 1);
     EXPECT_EQ(
-        test::DifferingBytes(
-            project.ParamTmp(),
-            Expected(project, image, {{194, 160}, {196, 240}, {26, 159}, {28, 200}, {30, 239}})),
+        test::DifferingBytes(project.ParamTmp(),
+                             SavedWith(image, project.Cpu(),
+                                       {{194, 160}, {196, 240}, {26, 159}, {28, 200}, {30, 239}})),
         std::vector<int>{});
 }
 
@@ -102,25 +80,8 @@ TEST(TimerCounterEndToEnd, LatchDialogShowsTheRefittedRows) {
             })
         .On("frmMenu", [](QWidget* menu) { test::ChildAs<QPushButton>(menu, "Cancel")->click(); })
         .Message(1, "Yes");
-    EXPECT_EQ(RunParameterMode(project, driver), 0);
+    EXPECT_EQ(RunParameterMode(project, driver).result, 0);
     EXPECT_EQ(rows, (std::vector<QString>{"0", "159", "200", "239", "", ""}));
-}
-
-TEST(TimerCounterEndToEnd, StepRelaysOfTheSmallestCpuFromSupplementaryFunctions) {
-    TempProject project("A0J");
-    const ParameterImage image = project.ParamTmp();
-    ModalDriver driver;
-    driver
-        .On("frmMenu", [](QWidget* menu) { PressKey(Child(menu, "MenuItem(4)"), Qt::Key_Return); })
-        .On("frmStepRelay",
-            [](QWidget* dialog) {
-                PressKey(Child(dialog, "StepRelayFlag"), Qt::Key_Space);
-                PressKey(dialog, Qt::Key_End);
-            })
-        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(RunParameterMode(project, driver), 1);
-    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), Expected(project, image, {{18, 1535}})),
-              std::vector<int>{});
 }
 
 }  // namespace

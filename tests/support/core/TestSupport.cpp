@@ -97,7 +97,7 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir) 
     return state;
 }
 
-MessageButton ScriptedMessages::Present(const MessageBoxSpec& box) {
+MessageButton ScriptedMessages::Present(const MessageBoxLook& box) {
     shown.push_back(box);
     if (!answers.empty()) {
         const MessageButton answer = answers.front();

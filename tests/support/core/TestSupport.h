@@ -58,7 +58,7 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir =
 // queue is empty, the box's default button. Every box shown is recorded.
 class ScriptedMessages : public MessagePresenter {
   public:
-    MessageButton Present(const MessageBoxSpec& box) override;
+    MessageButton Present(const MessageBoxLook& box) override;
 
     ScriptedMessages& Then(MessageButton answer) {
         answers.push_back(answer);
@@ -66,7 +66,7 @@ class ScriptedMessages : public MessagePresenter {
     }
 
     std::deque<MessageButton> answers;
-    std::vector<MessageBoxSpec> shown;
+    std::vector<MessageBoxLook> shown;
     // The numbers of the boxes shown, in order.
     std::vector<int> Numbers() const;
 };
