@@ -52,6 +52,9 @@ class TestDialog : public DialogBase {
             buttons.push_back(button);
         }
         SetButtons(buttons[0], buttons[1], buttons[2]);
+        spin = new SpinButton(this);  // belongs to Text1(1) by its name
+        spin->setObjectName("VScroll1(1)");
+        layout->addWidget(spin);
         other = new QPushButton("Other", this);  // made last, tabbed to before OK
         other->setObjectName("Other");
         layout->addWidget(other);
@@ -78,6 +81,7 @@ class TestDialog : public DialogBase {
     std::vector<QLineEdit*> fields;
     std::vector<QPushButton*> buttons;
     QPushButton* other = nullptr;
+    SpinButton* spin = nullptr;
 };
 
 struct Fixture {
@@ -241,6 +245,15 @@ struct Notifications {
     }
 };
 
+TEST(DialogBase, ASpinArrowPassesTheFocusToItsTextBox) {
+    Fixture f;
+    EXPECT_EQ(QApplication::focusWidget(), f.Field(0));
+    QTest::mouseClick(f.dialog->spin->DownButton(), Qt::LeftButton);
+    EXPECT_EQ(QApplication::focusWidget(), f.Field(1));
+    PressKey(f.Field(1), Qt::Key_Return);  // Enter goes on from the spin button's box
+    EXPECT_EQ(QApplication::focusWidget(), f.Field(2));
+}
+
 TEST(DialogBase, EveryActivationNotifiesTheHost) {
     Notifications host;
     User32RegisterWindow(515, Notifications::Proc, &host);
@@ -260,10 +273,10 @@ TEST(SpinButton, MinAboveMaxMakesTheUpArrowRaiseTheValue) {
     EXPECT_EQ(spin.Value(), 99);
     spin.StepDown();
     EXPECT_EQ(changes, (std::vector<int>{98, 99, 98}));
-    spin.SetValue(500);  // clamped
+    spin.SetValue(500);  // beyond the range: at the end, without an event for the text box
     EXPECT_EQ(spin.Value(), 99);
     spin.SetValue(99);  // no change, no event
-    EXPECT_EQ(changes.size(), 4u);
+    EXPECT_EQ(changes.size(), 3u);
     QTest::mouseClick(spin.DownButton(), Qt::LeftButton);
     EXPECT_EQ(spin.Value(), 98);
 

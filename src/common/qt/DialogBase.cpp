@@ -6,10 +6,12 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 
 #include "common/Messages.h"
 #include "common/StringTable.h"
 #include "common/qt/FormControls.h"
+#include "common/qt/SpinButton.h"
 
 namespace gantrix {
 
@@ -24,6 +26,13 @@ void DialogBase::FinishLoad() {
     DataChangedFlag() = false;
     loaded_ = State().image;
     for (QWidget* child : findChildren<QWidget*>()) RegisterNumberedControl(child);
+    // A spin button VScrollN or VScrollN(i) belongs to the text box TextN or TextN(i).
+    static const QRegularExpression spinName(R"(^VScroll(\d+(\(\d+\))?)$)");
+    for (SpinButton* spin : findChildren<SpinButton*>()) {
+        const QRegularExpressionMatch match = spinName.match(spin->objectName());
+        if (spin->TextBox() || !match.hasMatch()) continue;
+        spin->SetTextBox(findChild<QLineEdit*>("Text" + match.captured(1)));
+    }
     for (QPushButton* button : findChildren<QPushButton*>()) {
         // Enter presses the focused button (FormBase), never a dialog default.
         button->setAutoDefault(false);

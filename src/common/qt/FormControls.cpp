@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
+#include <QValidator>
 #include <QWidget>
 #include <map>
 
@@ -29,6 +30,25 @@ void CleanLineEdit(QLineEdit* box, Clean clean) {
     if (cleaned != box->text()) box->setText(cleaned);
     box->setCursorPosition(state.caret);
 }
+
+class TypingLimit : public QValidator {
+  public:
+    TypingLimit(QLineEdit* box, int maxLength)
+        : QValidator(box), max_(maxLength), shown_(box->text().size()) {
+        connect(box, &QLineEdit::textChanged, this,
+                [this](const QString& text) { shown_ = text.size(); });
+    }
+
+    State validate(QString& input, int&) const override {
+        // An edit may not grow the text past the limit; one that keeps or shortens a longer
+        // loaded text is fine.
+        return input.size() <= max_ || input.size() <= shown_ ? Acceptable : Invalid;
+    }
+
+  private:
+    int max_;
+    qsizetype shown_;  // the length of the text the box shows, before the edit
+};
 
 }  // namespace
 
@@ -63,6 +83,10 @@ void CheckDecimalText(QLineEdit* box) {
 
 void CheckHexText(QLineEdit* box) {
     CleanLineEdit(box, [](TextBoxState& s) { gantrix::CheckHexText(s); });
+}
+
+void LimitTyping(QLineEdit* box, int maxLength) {
+    box->setValidator(new TypingLimit(box, maxLength));
 }
 
 long ValueOf(const QLineEdit* box) {

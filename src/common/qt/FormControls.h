@@ -21,6 +21,12 @@ int KeyAsciiOf(const QKeyEvent* event);
 void CheckDecimalText(QLineEdit* box);
 void CheckHexText(QLineEdit* box);
 
+// Limits what the user types or pastes into box to maxLength characters. Text set by code
+// is never cut, so a stored value too long for its box shows whole and the dialog's check
+// refuses it; such a text may still be shortened. Use this instead of setMaxLength, which
+// cuts loaded text too.
+void LimitTyping(QLineEdit* box, int maxLength);
+
 // The decimal value of a line edit's text (blanks skipped, empty is 0).
 long ValueOf(const QLineEdit* box);
 

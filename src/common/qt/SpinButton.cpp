@@ -21,6 +21,11 @@ SpinButton::SpinButton(QWidget* parent) : QWidget(parent) {
     }
     up_->setArrowType(Qt::UpArrow);
     down_->setArrowType(Qt::DownArrow);
+    for (QToolButton* button : {up_, down_}) {
+        connect(button, &QToolButton::pressed, this, [this] {
+            if (textBox_ && textBox_->isEnabled()) textBox_->setFocus(Qt::OtherFocusReason);
+        });
+    }
     connect(up_, &QToolButton::clicked, this, &SpinButton::StepUp);
     connect(down_, &QToolButton::clicked, this, &SpinButton::StepDown);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -40,10 +45,20 @@ void SpinButton::SetMax(int max) {
 void SpinButton::SetRange(int min, int max) {
     min_ = min;
     max_ = max;
-    SetValue(value_);
+    Move(value_);
 }
 
 void SpinButton::SetValue(int value) {
+    // A value beyond the arrows' range (a stored value out of its limits, mirrored from the
+    // text box) leaves the text box as it is: the arrows only sit at their nearest end.
+    if (value != Clamp(value)) {
+        value_ = Clamp(value);
+        return;
+    }
+    Move(value);
+}
+
+void SpinButton::Move(int value) {
     value = Clamp(value);
     if (value == value_) return;
     value_ = value;
@@ -51,11 +66,11 @@ void SpinButton::SetValue(int value) {
 }
 
 void SpinButton::StepUp() {
-    SetValue(min_ >= max_ ? value_ + smallChange_ : value_ - smallChange_);
+    Move(min_ >= max_ ? value_ + smallChange_ : value_ - smallChange_);
 }
 
 void SpinButton::StepDown() {
-    SetValue(min_ >= max_ ? value_ - smallChange_ : value_ + smallChange_);
+    Move(min_ >= max_ ? value_ - smallChange_ : value_ + smallChange_);
 }
 
 }  // namespace gantrix

@@ -1,9 +1,11 @@
 #pragma once
-// A pair of up/down arrows beside a text box, with the semantics of a vertical scroll bar: Min is the value at the top, Max the value at the bottom, and Min may be above
-// Max. The up arrow moves Value toward Min, the down arrow toward Max, by SmallChange.
-// Change is emitted whenever Value changes, by the arrows or by code.
+// A pair of up/down arrows beside a text box, with the semantics of a vertical scroll bar: Min is
+// the value at the top, Max the value at the bottom, and Min may be above Max. The up arrow moves
+// Value toward Min, the down arrow toward Max, by SmallChange. Change is emitted whenever Value
+// changes, by the arrows or by code.
 //
-// The widget never keeps the focus: the text box it belongs to has it.
+// The widget never keeps the focus: pressing an arrow gives it to the text box it belongs
+// to, so that the box's focus rules run and Enter goes on from there.
 
 #include <QWidget>
 
@@ -26,9 +28,13 @@ class SpinButton : public QWidget {
     void SetMin(int min);
     void SetMax(int max);
     void SetRange(int min, int max);
-    // A value outside the range is clamped to it.
+    // A value outside the range puts Value at the nearest end without emitting Change, so
+    // that the text box mirroring it keeps the value it shows.
     void SetValue(int value);
     void SetSmallChange(int step) { smallChange_ = step; }
+
+    QWidget* TextBox() const { return textBox_; }
+    void SetTextBox(QWidget* box) { textBox_ = box; }
 
     void StepUp();    // the up arrow
     void StepDown();  // the down arrow
@@ -41,6 +47,7 @@ class SpinButton : public QWidget {
 
   private:
     int Clamp(int value) const;
+    void Move(int value);  // clamps, and emits Change when Value moves
 
     int min_ = 0;
     int max_ = 32767;
@@ -48,6 +55,7 @@ class SpinButton : public QWidget {
     int smallChange_ = 1;
     QToolButton* up_;
     QToolButton* down_;
+    QWidget* textBox_ = nullptr;
 };
 
 }  // namespace gantrix

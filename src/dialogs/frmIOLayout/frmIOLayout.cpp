@@ -84,7 +84,7 @@ void frmIOLayout::BuildControls() {
             Text1[i]->setObjectName(QString("Text1(%1)").arg(i));
             Text1[i]->setFixedWidth(fieldWidth);
             Text1[i]->setAlignment(Qt::AlignCenter);
-            Text1[i]->setMaxLength(3);
+            LimitTyping(Text1[i], 3);
             // Codes come from the key entry only: no pasting or dropping of other text.
             Text1[i]->setContextMenuPolicy(Qt::NoContextMenu);
             Text1[i]->setAcceptDrops(false);

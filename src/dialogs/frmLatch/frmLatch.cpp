@@ -78,7 +78,7 @@ void frmLatch::BuildControls() {
             const int i = 2 * r + side;
             Text1[i] = new QLineEdit(this);
             Text1[i]->setObjectName(QString("Text1(%1)").arg(i));
-            Text1[i]->setMaxLength(4);
+            LimitTyping(Text1[i], 4);
             Text1[i]->setFixedWidth(boxWidth);
             Text1[i]->setAlignment(Qt::AlignRight);
             VScroll1[i] = new SpinButton(this);

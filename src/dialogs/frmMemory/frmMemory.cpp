@@ -58,7 +58,7 @@ void frmMemory::BuildControls() {
     const auto newEdit = [this](const QString& name, int digits) {
         auto* edit = new QLineEdit(this);
         edit->setObjectName(name);
-        edit->setMaxLength(digits);
+        LimitTyping(edit, digits);
         edit->setAlignment(Qt::AlignRight);
         edit->setFixedWidth(edit->fontMetrics().horizontalAdvance(QString(digits + 1, '0')) + 12);
         return edit;
@@ -81,7 +81,6 @@ void frmMemory::BuildControls() {
     VScroll3 = newSpin("VScroll3", 99);
     VScroll4 = newSpin("VScroll4", 9);
     Text5 = newEdit("Text5", 3);
-    Text5->setMaxLength(32767);  // output only: never cut
     Text5->setReadOnly(true);
     Text5->setFocusPolicy(Qt::NoFocus);
 

@@ -72,7 +72,7 @@ void frmTimerCounter::BuildControls() {
     auto edit = [this](const QString& name) {
         auto* e = new QLineEdit(this);
         e->setObjectName(name);
-        e->setMaxLength(4);
+        LimitTyping(e, 4);
         e->setFixedWidth(52);
         return e;
     };

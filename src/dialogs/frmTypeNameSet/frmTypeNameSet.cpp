@@ -45,7 +45,7 @@ void frmTypeNameSet::BuildControls() {
         Text1[row]->setObjectName(QString("Text1(%1)").arg(row));
         Text1[row]->setFixedWidth(fieldWidth);
         Text1[row]->setAlignment(Qt::AlignCenter);
-        Text1[row]->setMaxLength(3);
+        LimitTyping(Text1[row], 3);
         Text1[row]->setContextMenuPolicy(Qt::NoContextMenu);
         Text1[row]->setAcceptDrops(false);
         Combo1[row] = new QComboBox(this);

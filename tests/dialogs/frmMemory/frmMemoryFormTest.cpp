@@ -227,6 +227,31 @@ TEST(frmMemory, FailuresAreShownOneBoxPerMessageWithTheFieldsYellow) {
     EXPECT_FALSE(f.state.ParamChanged);
 }
 
+// A box's length limits typing only: a stored value too long for its box loads whole and
+// the check refuses it, and typing still stops at the limit.
+TEST(frmMemory, StoredValuesLongerThanTheirBoxLoadWholeAndAreRefused) {
+    MemoryFixture f("A3 ", [](MemoryFixture& fixture) {
+        fixture.state.image.SetParamWord(65535, 68);
+        fixture.state.image.SetParamWord(65535, 70);
+    });
+    frmMemory& m = *f.form;
+    EXPECT_EQ(m.Text4->text(), "63");
+    EXPECT_EQ(m.Text2->text(), "127");
+    m.OK->click();
+    EXPECT_EQ(f.messages.Numbers(), std::vector<int>{3});
+    EXPECT_TRUE(HasErrorColor(m.Text4));
+    EXPECT_TRUE(HasErrorColor(m.Text2));
+    EXPECT_FALSE(f.Closed());
+    EXPECT_EQ(f.state.image, f.opened);
+
+    m.Text4->setFocus();
+    m.Text4->setCursorPosition(2);
+    PressKey(m.Text4, Qt::Key_Backspace);  // a long text may be shortened
+    EXPECT_EQ(m.Text4->text(), "6");
+    QTest::keyClicks(m.Text4, "3");  // but not grow past one digit
+    EXPECT_EQ(m.Text4->text(), "6");
+}
+
 TEST(frmMemory, CancelAsksAfterAnEditAndClearWritesNothing) {
     MemoryFixture f("A3 ", [](MemoryFixture& f) {
         f.state.image.SetParamWord(20 * 1024, 64);
