@@ -137,8 +137,9 @@ LatchFields ReadLatch(const ParameterImage& image, const DialogContext& context)
         // word is the step relay setting, so the box shows the last M device instead.
         if (r == 0 && context.CpuType == "A0J") end = context.DeviceMaxSize['M'] - 1;
         fields.Text1[2 * r] = LatchBoxText(start, hex);
-        // An erased end is "not set" as everywhere in this block, not the number 65535.
-        fields.Text1[2 * r + 1] = end == kErased ? "" : LatchBoxText(end, hex);
+        // A latched row shows its end as stored, an erased one too: the user sees the number
+        // and the check refuses it, rather than an empty box hiding what the file holds.
+        fields.Text1[2 * r + 1] = LatchBoxText(end, hex);
     }
     return fields;
 }

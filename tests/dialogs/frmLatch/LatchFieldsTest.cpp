@@ -156,12 +156,13 @@ TEST(LatchFields, LoadShowsStartAndEndPerRow) {
     ParameterImage image = test::DefaultImage("A3 ");
     image.SetParamWord(416, 20);  // B 1A0-3FF
     image.SetParamWord(1023, 22);
-    image.SetParamWord(40, 24);  // T low 40 with an erased end
+    image.SetParamWord(40, 24);  // T low 40 with an erased end, shown as stored
     image.SetParamWord(65535, 26);
     image.SetParamWord(7, 34);   // integration end without a start: not latched
     image.SetParamWord(10, 48);  // a second-block row the 8-row type does not have
     image.SetParamWord(20, 50);
-    LatchFields expected = With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {4, "40"}});
+    LatchFields expected =
+        With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {4, "40"}, {5, "65535"}});
     EXPECT_EQ(ReadLatch(image, ContextFor("A3 ")).Text1, expected.Text1);
 
     // The 12-row types show the second block.
