@@ -71,10 +71,8 @@ int KeyAsciiOf(const QKeyEvent* event) {
         default:
             break;
     }
-    const QString text = event->text();
-    if (text.size() != 1) return -1;
-    const char16_t c = text.at(0).unicode();
-    return c < 128 ? static_cast<int>(c) : -1;
+    const QList<uint> codePoints = event->text().toUcs4();
+    return codePoints.size() == 1 ? static_cast<int>(codePoints.front()) : -1;
 }
 
 void CheckDecimalText(QLineEdit* box) {

@@ -12,8 +12,9 @@ namespace gantrix {
 // The string table's text of id, for a caption.
 QString ResText(int id);
 
-// The character code a key press delivers (Enter 13, Backspace 8, printable ASCII as
-// typed, control characters), or -1 for a key that delivers none (arrows, function keys).
+// The character code a key press delivers: Enter 13, Backspace 8, a typed character as its
+// code point (letters outside ASCII too, so that the filters refuse them rather than let them
+// through unseen), control characters; -1 for a key that delivers none (arrows, function keys).
 int KeyAsciiOf(const QKeyEvent* event);
 
 // CheckDecimalText / CheckHexText on a line edit; the text is set only when it changes, so

@@ -362,14 +362,14 @@ void frmTimerCounter::Combo_KeyPress(QComboBox* combo, int& keyAscii) {
         FocusNextField(combo);
         return;
     }
-    const char upper =
-        static_cast<char>(keyAscii >= 'a' && keyAscii <= 'z' ? keyAscii - 32 : keyAscii);
+    const int upper = keyAscii >= 'a' && keyAscii <= 'z' ? keyAscii - 32 : keyAscii;
     if (upper == 'D' || upper == 'W' || upper == 'R') {
         keyAscii = 0;
         combo->setEditText(QString(QChar(upper)));
         return;
     }
-    if (keyAscii >= 32 && keyAscii < 127) keyAscii = 0;
+    // Every other character, outside ASCII too; Delete (127) edits as usual.
+    if (keyAscii >= 32 && keyAscii != 127) keyAscii = 0;
 }
 
 bool frmTimerCounter::ApplyDeviceRule(QComboBox* combo) {
