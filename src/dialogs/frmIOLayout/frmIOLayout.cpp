@@ -140,8 +140,6 @@ void frmIOLayout::FillPage() {
     }
     PageMarker->setText(QString::number(start));
     ChangePage->setText(ResText(page_ == 0 ? ids::Next : ids::IoAssignmentPrevious));
-    // Model names exist for slots 0..63 only.
-    Type->setEnabled(page_ == 0);
 }
 
 void frmIOLayout::StorePage() {
@@ -163,12 +161,13 @@ void frmIOLayout::ChangePage_Click() {
     DataChangedFlag() = changed;
 }
 
-void frmIOLayout::ChangePageKey(bool forward) {
-    // Page Down goes to the second page and Page Up back to the first; neither wraps.
-    if (forward == (page_ == 0)) ChangePage_Click();
+void frmIOLayout::ChangePageKey(bool) {
+    // With two pages, Page Up and Page Down alike turn to the other one.
+    ChangePage_Click();
 }
 
 void frmIOLayout::Type_Click() {
+    // Model names exist for slots 0..63 only: on the second page the button does nothing.
     if (PageMarker->text() != "0") return;
     StorePage();
     frmTypeNameSet names(State(), slots_);

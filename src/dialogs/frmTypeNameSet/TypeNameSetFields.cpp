@@ -94,7 +94,9 @@ void FilterModelName(TextBoxState& box) {
     int caret = 0;
     for (size_t i = 0; i < box.text.size(); ++i) {
         const char c = Upper(box.text[i]);
-        if (ModelNameSymbol(c) < 0) continue;
+        // Blanks at the start are dropped too: a stored name reads back without them, so a
+        // name kept with them would pack shifted on every save.
+        if (ModelNameSymbol(c) < 0 || (c == ' ' && kept.empty())) continue;
         kept += c;
         if (static_cast<int>(i) < box.caret) caret = static_cast<int>(kept.size());
     }

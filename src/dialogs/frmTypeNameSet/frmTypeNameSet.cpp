@@ -220,8 +220,6 @@ void frmTypeNameSet::Combo1_Change(int row) {
         edit->setText(cleaned);
         edit->setCursorPosition(box.caret);
     }
-    // A typed name counts as an edit, so that the I/O assignment asks before dropping it.
-    changed_ = true;
 }
 
 int frmTypeNameSet::RowOf(const QWidget* widget, bool& inName) const {

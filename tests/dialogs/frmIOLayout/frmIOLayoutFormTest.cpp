@@ -64,15 +64,16 @@ TEST(frmIOLayout, PagingKeepsTheCodesOfBothPagesAndIsNoEdit) {
     f.form->ChangePage->click();
     EXPECT_EQ(f.form->SlotNo[63]->text(), "127");
     EXPECT_EQ(f.form->ChangePage->text(), "Previous");
-    EXPECT_FALSE(f.form->Type->isEnabled());
     EXPECT_EQ(f.Code(1), "X32");
-    PressKey(f.Field(0), Qt::Key_PageUp);
-    PressKey(f.Field(0), Qt::Key_PageUp);  // no wrap
-    EXPECT_EQ(f.form->PageMarker->text(), "0");
+    // Page Up and Page Down each turn to the other page.
+    for (const auto& [key, marker] :
+         {std::pair{Qt::Key_PageUp, "0"}, {Qt::Key_PageUp, "64"}, {Qt::Key_PageDown, "0"}}) {
+        PressKey(f.Field(0), key);
+        EXPECT_EQ(f.form->PageMarker->text(), marker);
+    }
     EXPECT_FALSE(f.state.DataChanged);
 
     TypeInto(f.Field(0), "6");
-    PressKey(f.Field(1), Qt::Key_PageDown);
     PressKey(f.Field(1), Qt::Key_PageDown);
     EXPECT_EQ(f.form->PageMarker->text(), "64");
     TypeInto(f.Field(63), "d");

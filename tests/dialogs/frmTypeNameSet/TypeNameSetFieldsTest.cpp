@@ -55,10 +55,10 @@ TEST(TypeNameSetFields, ListsPerSlotCode) {
 
 TEST(TypeNameSetFields, NameBoxKeysCleanUpAndPages) {
     const std::tuple<const char*, int, const char*, int> boxes[] = {
-        {"ax60-s", 6, "AX60-S", 6},
-        {"A/B", 2, "AB", 1},  // the caret stays after the A
-        {"ab cd", 3, "AB CD", 3},
-        {"AD62DAS12345", 12, "AD62DAS12", 9},
+        {"ax60-s", 6, "AX60-S", 6}, {"A/B", 2, "AB", 1},  // the caret stays after the A
+        {"ab cd", 3, "AB CD", 3},   {"AD62DAS12345", 12, "AD62DAS12", 9},
+        {" 5", 2, "5", 1},  // blanks at the start go: the name reads back as it packs
+        {"  ", 1, "", 0},
     };
     for (const auto& [typed, caret, text, caretAfter] : boxes) {
         TextBoxState box{typed, caret};

@@ -130,7 +130,7 @@ TEST(frmTypeNameSet, FromTheIoAssignmentANameWithoutItsModuleIsDroppedOnSave) {
     EXPECT_EQ(f.state.image[384 + 6], 0x42);
 }
 
-TEST(frmTypeNameSet, ShownNamesAreAllWrittenAndANameEditMakesCancelAsk) {
+TEST(frmTypeNameSet, ShownNamesAreAllWrittenAndOnlyAModuleEditMakesCancelAsk) {
     // The default image has erased name records; once the names have been shown, OK writes
     // all 64 records, the empty ones as nine blanks.
     IoFixture f("A3 ");
@@ -143,18 +143,29 @@ TEST(frmTypeNameSet, ShownNamesAreAllWrittenAndANameEditMakesCancelAsk) {
     EXPECT_EQ(diff.back(), 1023);
     EXPECT_EQ(f.Record(63), kEmptyName);
 
+    // A typed name alone is no edit of the assignment: Cancel closes without a question.
     IoFixture g("A3 ", [](ParameterImage& image) { image[384] = 0x21; });
     g.Open().EditNames([](QWidget* names) { TypeInto(test::Child(names, "Combo1(0)"), "a"); });
-    g.messages.Then(MB::No).Then(MB::Yes);
     g.form->Cancel->click();
-    EXPECT_TRUE(g.form->isVisible());
-    g.form->Cancel->click();
-    EXPECT_EQ(g.messages.Numbers(), (std::vector<int>{1, 1}));
+    EXPECT_FALSE(g.form->isVisible());
+    EXPECT_TRUE(g.messages.Numbers().empty());
     EXPECT_EQ(g.state.image, g.loaded);
 
-    IoFixture h("A3 ");  // the names belong to the first page only
+    // A module changed in the names dialog is one.
+    IoFixture k("A3 ");
+    k.Open().EditNames([](QWidget* names) { TypeInto(test::Child(names, "Text1(1)"), "6"); });
+    k.messages.Then(MB::No).Then(MB::Yes);
+    k.form->Cancel->click();
+    EXPECT_TRUE(k.form->isVisible());
+    k.form->Cancel->click();
+    EXPECT_EQ(k.messages.Numbers(), (std::vector<int>{1, 1}));
+    EXPECT_EQ(k.state.image, k.loaded);
+
+    // The names belong to the first page only: there the button stays and does nothing.
+    IoFixture h("A3 ");
     PressKey(h.Open().Field(0), Qt::Key_PageDown);
-    EXPECT_FALSE(test::OpensAModalWindow([&] { h.form->Type_Click(); }));
+    EXPECT_TRUE(h.form->Type->isEnabled());
+    EXPECT_FALSE(test::OpensAModalWindow([&] { h.form->Type->click(); }));
 }
 
 }  // namespace
