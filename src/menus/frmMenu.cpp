@@ -154,12 +154,6 @@ void frmMenu::reject() {
     });
 }
 
-void frmMenu::ErrorExit(const std::string& description) {
-    // The menu ends as on Cancel; nothing of a failed OK may be saved.
-    State().SaveRequested = false;
-    FormBase::ErrorExit(description);
-}
-
 bool frmMenu::FormKeyDown(QKeyEvent* event, QWidget* focus) {
     if (event->key() == Qt::Key_End) {
         OK_Click();

@@ -37,8 +37,6 @@ class frmMenu : public FormBase {
     QPushButton* OK = nullptr;
     QPushButton* Cancel = nullptr;
 
-    void ErrorExit(const std::string& description) override;
-
   protected:
     bool FormKeyDown(QKeyEvent* event, QWidget* focus) override;
     void reject() override;  // the close box and Escape (Form_QueryUnload)

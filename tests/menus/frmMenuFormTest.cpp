@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <sys/stat.h>
-#include <unistd.h>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -11,8 +9,7 @@
 #include "common/qt/DialogRegistry.h"
 #include "menus/frmMenu.h"
 #include "store/ParameterFiles.h"
-#include "support/ModalDriver.h"
-#include "support/core/TestSupport.h"
+#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -167,19 +164,27 @@ TEST(frmMenu, CancelWithoutChangesLeavesAtOnce) {
     EXPECT_EQ(f.menu->result(), QDialog::Rejected);
 }
 
-TEST(frmMenu, ARuntimeErrorEndsTheMenuWithoutSaving) {
-    MenuFixture f("A3 ");
-    f.project.Write(kParamWork, {});
-    ::chmod(f.project.File(kParamWork).c_str(), 0);
-    if (::access(f.project.File(kParamWork).c_str(), R_OK) == 0) {
-        // Root reads anything: make the merge fail another way.
-        std::remove(f.project.File(kParamWork).c_str());
-    }
-    f.menu->OK->click();
-    EXPECT_TRUE(f.Closed());
-    ASSERT_EQ(f.messages.Numbers(), std::vector<int>{0});
-    EXPECT_NE(f.messages.shown[0].text.find("param.$$$"), std::string::npos);
-    EXPECT_FALSE(f.state.SaveRequested);
+// A runtime error ends the menu as Cancel would, and Cancel never takes back a save that
+// the menu's OK has requested: the run saves, and the host's flag says so.
+TEST(frmMenu, ARuntimeErrorAfterOkRequestedTheSaveStillSaves) {
+    TempProject project("A3 ");
+    ParameterImage stale = project.ParamTmp();
+    stale[525] = 0;  // saved means written with fresh check bytes
+    project.SetParamTmp(stale);
+    test::ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [&project](QWidget* menu) {
+                // The merge of the working file fails after the save was requested.
+                std::remove(project.File(kParamWork).c_str());
+                PressKey(menu, Qt::Key_End);
+            })
+        .Message(0, "OK");
+    const test::RunOutcome run = test::RunParameterMode(project, driver);
+    EXPECT_EQ(run.status, 0) << run.error;
+    EXPECT_EQ(run.result, 1);
+    EXPECT_TRUE(run.contentChanged);
+    EXPECT_EQ(project.ParamTmp(), test::SavedWith(stale, "A3 ", {}));
 }
 
 TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
