@@ -43,6 +43,7 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
         RemoteFields fields;
         std::vector<std::string> recorded;
     } cases[] = {
+        // clang-format off
         {"defaults", DefaultsRemote(), {}},
         {"empty total rejects every start", WithStarts("", {{0, "1"}}), {"Text1:2", "Text2(0):11"}},
         {"total 0", WithStarts("0", {}), {"Text1:3"}},
@@ -52,15 +53,11 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
         {"start 0", WithStarts("64", {{3, "0"}}), {"Text2(3):11"}},
         {"1 and 4 share station 4", WithStarts("64", {{0, "1"}, {1, "4"}}), {"Text2(1):11"}},
         {"1 and 5 do not", WithStarts("64", {{0, "1"}, {1, "5"}}), {}},
-        {"the later entry is marked, not the higher start",
-         WithStarts("64", {{0, "20"}, {9, "17"}}),
-         {"Text2(9):11"}},
-        {"an entry marked once is compared no more",
-         WithStarts("64", {{0, "5"}, {1, "8"}, {2, "11"}, {3, "5"}}),
-         {"Text2(1):11", "Text2(3):11"}},
-        {"a start out of range is no overlap",
-         WithStarts("64", {{0, "62"}, {1, "60"}}),
-         {"Text2(0):11"}},
+        {"the later entry is marked", WithStarts("64", {{0, "20"}, {9, "17"}}), {"Text2(9):11"}},
+        {"a marked entry is compared no more", WithStarts("64", {{0, "5"}, {1, "8"}, {2, "11"},
+         {3, "5"}}), {"Text2(1):11", "Text2(3):11"}},
+        {"out of range is no overlap", WithStarts("64", {{0, "62"}, {1, "60"}}), {"Text2(0):11"}},
+        // clang-format on
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -75,69 +72,41 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
               (std::vector<std::string>{"Text2(14):11", "Text2(15):11", "Text2(20):11"}));
 }
 
-TEST(RemoteBytes, ReadShowsWhatTheImageHolds) {
+TEST(RemoteBytes, ReadAndWriteBothWays) {
     ParameterImage image = test::DefaultImage("A2C");
-    for (int i = 142; i <= 159; ++i) image[i] = 255;  // a fresh remote table
+    for (int i = 141; i <= 159; ++i) image[i] = 255;  // a fresh remote table
+    const ParameterImage fresh = image;
     EXPECT_EQ(ReadRemote(image), DefaultsRemote());
 
     image[142] = 2;
     image[159] = 200;  // shown whole, for the check to reject
-    image[143] = 255;  // erased beside set entries: shown empty, the others kept
-    image[144] = 10;
+    image[144] = 10;   // set beside erased start bytes: kept
     image[156] = 61;
     image.SetParamWord(0x2001, kRemoteProtocolWord);  // entries 1 and 14 non-procedure
-    RemoteFields f = ReadRemote(image);
-    EXPECT_EQ(f.Text1, "200");
-    EXPECT_EQ(f.OnlineMode, 2);
-    EXPECT_EQ(f.Text2[0], "");
-    EXPECT_EQ(f.Text2[14], "");
-    EXPECT_EQ(f.Text2[1], "10");
-    EXPECT_EQ(f.Text2[15], kMini);
-    EXPECT_EQ(f.Text2[13], "61");
-    EXPECT_EQ(f.Text2[27], kNonProc);
+    RemoteFields expected = WithStarts("200", {{1, "10"}, {13, "61"}});
+    expected.Text2[27] = kNonProc;
+    expected.OnlineMode = 2;
+    EXPECT_EQ(ReadRemote(image), expected);
     image[142] = 7;
     EXPECT_EQ(ReadRemote(image).OnlineMode, -1);  // no option selected
-}
 
-TEST(RemoteBytes, WriteTouchesOnlyTheRemoteBytes) {
-    ParameterImage image = test::DefaultImage("A2C");
-    for (int i = 141; i <= 159; ++i) image[i] = 255;
-    const ParameterImage before = image;
+    image = fresh;
     RemoteFields f = WithStarts("40", {{0, "1"}, {8, "9"}, {13, "30"}});
     f.Text2[8 + kRemoteEntries] = kNonProc;  // entry 9: bit 0 of byte 158
     f.Text2[3 + kRemoteEntries] = kNonProc;  // no start: no bit
     f.OnlineMode = -1;                       // none selected: byte 142 kept
     WriteRemote(f, image);
-    for (int index : test::DifferingBytes(before, image)) {
-        EXPECT_TRUE(index >= 141 && index <= 159) << index;
-    }
-    EXPECT_EQ(image[141], 0);
-    EXPECT_EQ(image[142], 255);
-    EXPECT_EQ(image[143], 1);
-    EXPECT_EQ(image[144], 0);
-    EXPECT_EQ(image[151], 9);
-    EXPECT_EQ(image[156], 30);
-    EXPECT_EQ(image[157], 0);
-    EXPECT_EQ(image[158], 1);
-    EXPECT_EQ(image[159], 40);
-
-    f.OnlineMode = 1;
-    f.Text2[3 + kRemoteEntries] = "";
-    WriteRemote(f, image);
-    EXPECT_EQ(ReadRemote(image), f);
+    EXPECT_EQ(std::vector<int>(image.data() + 141, image.data() + 160),
+              (std::vector<int>{0, 255, 1, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 30, 0, 1, 40}));
+    for (int index : test::DifferingBytes(fresh, image)) EXPECT_GE(index, 141) << index;
 }
 
 TEST(RemoteBytes, ProtocolCellTexts) {
-    const struct {
-        const char* text;
-        bool startEmpty;
-        std::string kept;
-    } cases[] = {
-        {"0", false, kMini},        {" 1 ", false, kNonProc}, {"Non-procedure", false, kNonProc},
-        {"2", false, ""},           {"MINI", false, ""},      {"1", true, ""},
-        {"MINI Standard", true, ""}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(CleanProtocolText(c.text, c.startEmpty), c.kept) << c.text;
+    const std::pair<const char*, std::string> cases[] = {
+        {"0", kMini}, {" 1 ", kNonProc}, {"Non-procedure", kNonProc}, {"MINI", ""}};
+    for (const auto& [text, kept] : cases) {
+        EXPECT_EQ(CleanProtocolText(text, false), kept) << text;
+        EXPECT_EQ(CleanProtocolText(text, true), "") << text;  // an entry without start
     }
 }
 
