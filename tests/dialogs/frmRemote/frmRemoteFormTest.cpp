@@ -51,6 +51,8 @@ TEST(RemoteForm, FreshTableOpensWith64StationsAndRefusesStart62) {
     EXPECT_TRUE(f.OnlineMode[0]->isChecked());
     for (QLineEdit* cell : f.Text2) EXPECT_EQ(cell->text(), "");
     EXPECT_EQ(Focus(), f.Text1);
+    TypeKeys(f.Text1, "a");  // discarded
+    EXPECT_EQ(f.Text1->text(), "64");
 
     TypeKeys(f.Text2[0], "6x23");  // a letter is discarded, two digits at most
     PressKey(f.Text2[0], Qt::Key_Return);
@@ -127,6 +129,7 @@ TEST(RemoteForm, EnterAndArrowsMoveThroughTheTable) {
         PressKey(m.from, m.key);
         EXPECT_EQ(Focus(), m.to) << m.from->objectName().toStdString() << " " << m.key;
     }
+    EXPECT_EQ(f.Text1->text(), "64");  // Enter types nothing
 }
 
 TEST(RemoteForm, OkOnTheDefaultImageWritesNothingNew) {
@@ -140,9 +143,10 @@ TEST(RemoteForm, OkOnTheDefaultImageWritesNothingNew) {
 
 TEST(RemoteForm, CancelAfterAnEditAsksAndKeepsTheImage) {
     // Erased start bytes beside set ones: loading rewrites nothing.
-    Open open({{143, 255}, {144, 9}, {145, 255}, {159, 20}});
+    Open open({{143, 9}, {144, 255}, {145, 255}, {159, 20}});
     frmRemote& f = *open.form;
-    EXPECT_EQ(f.Text2[1]->text(), "9");
+    EXPECT_EQ(f.Text2[0]->text(), "9");
+    EXPECT_EQ(f.Text2[14]->text(), "MINI Standard");
     const auto up = [&f] { QTest::mouseClick(f.VScroll1->UpButton(), Qt::LeftButton); };
     up();  // the upper arrow raises the total
     EXPECT_EQ(f.Text1->text(), "21");
@@ -155,7 +159,8 @@ TEST(RemoteForm, CancelAfterAnEditAsksAndKeepsTheImage) {
     EXPECT_EQ(f.Text1->text(), "0");
     open.messages.Then(MessageButton::Yes);
     f.Clear->click();
-    EXPECT_EQ(f.Text2[1]->text(), "");
+    EXPECT_EQ(f.Text2[0]->text(), "");
+    EXPECT_EQ(f.Text2[14]->text(), "");
     EXPECT_TRUE(f.OnlineMode[0]->isChecked());
     open.messages.Then(MessageButton::Yes);
     f.Cancel->click();
