@@ -41,6 +41,12 @@ int main(int argc, char** argv) {
     gantrix::test::TempDir dir;
     gantrix::ModuleState state = gantrix::test::StateFor(cpu, dir.Path());
     dir.Write("param.$$$", {state.image.bytes().begin(), state.image.bytes().end()});
+    if (name == "frmRemote") {
+        // Two remote terminals, one of each protocol, so that the table shows its cells.
+        state.image[143] = 1;
+        state.image[144] = 33;
+        state.image[157] = 2;
+    }
     gantrix::test::ScriptedMessages messages;
     state.Presenter = &messages;
 
