@@ -27,11 +27,6 @@ QString Q(const std::string& text) {
     return QString::fromStdString(text);
 }
 
-// Typing stops at two digits; a longer value loaded from the image is shown whole.
-bool RoomForDigit(const QLineEdit* box) {
-    return box->text().size() - box->selectedText().size() < kDigits;
-}
-
 }  // namespace
 
 frmRemote::frmRemote(ModuleState& state) : DialogBase(state, "frmRemote") {
@@ -58,6 +53,7 @@ void frmRemote::BuildControls() {
 
     Text1 = new QLineEdit(this);
     Text1->setObjectName("Text1");
+    LimitTyping(Text1, kDigits);
     Text1->setFixedWidth(36);
     VScroll1 = new SpinButton(this);
     VScroll1->setObjectName("VScroll1");
@@ -90,6 +86,7 @@ void frmRemote::BuildControls() {
 
     for (int e = 0; e < kRemoteEntries; ++e) {
         QLineEdit* start = Text2[e] = new QLineEdit(this);
+        LimitTyping(start, kDigits);
         start->setObjectName(QString("Text2(%1)").arg(e));
         start->setFixedWidth(36);
         // The protocol cells show names longer than anything typed into them; their keys
@@ -281,7 +278,6 @@ void frmRemote::Text1_KeyPress(int& keyAscii) {
             FocusSelectedOnlineMode();
             return;
         case 1:
-            if (keyAscii >= '0' && keyAscii <= '9' && !RoomForDigit(Text1)) keyAscii = 0;
             return;
         default:
             keyAscii = 0;
@@ -319,7 +315,7 @@ void frmRemote::StartCell_KeyPress(int e, int& keyAscii) {
         return;
     }
     if (keyAscii < 32) return;
-    if (keyAscii < '0' || keyAscii > '9' || !RoomForDigit(Text2[e])) keyAscii = 0;
+    if (keyAscii < '0' || keyAscii > '9') keyAscii = 0;
 }
 
 void frmRemote::ProtocolCell_Change(int e) {
