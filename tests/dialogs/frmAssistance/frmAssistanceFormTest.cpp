@@ -73,6 +73,17 @@ TEST(AssistanceForm, ControlsCaptionsAndHintPerCpuType) {
             EXPECT_EQ(f.Label1->text(), c.hint);
         }
         EXPECT_EQ(QApplication::focusWidget(), f.StepRelayFlag);
+        // Every control shown lies whole inside the dialog, none on top of another.
+        std::vector<QRect> placed;
+        for (QWidget* w : f.findChildren<QWidget*>()) {
+            const bool control = qobject_cast<QLineEdit*>(w) || qobject_cast<QPushButton*>(w) ||
+                                 qobject_cast<QCheckBox*>(w) || qobject_cast<QRadioButton*>(w);
+            if (!control || !w->isVisible()) continue;
+            const QRect r(w->mapTo(&f, QPoint(0, 0)), w->size());
+            EXPECT_TRUE(f.rect().contains(r)) << w->objectName().toStdString();
+            for (const QRect& other : placed) EXPECT_FALSE(r.intersects(other));
+            placed.push_back(r);
+        }
     }
 }
 
@@ -135,6 +146,7 @@ TEST(AssistanceForm, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
     EXPECT_EQ(f.Text1[0]->text(), "");
     EXPECT_EQ(f.Text1[1]->text(), "");
     EXPECT_FALSE(f.Text1[1]->isEnabled());
+    PressKey(f.IOErr[0], Qt::Key_Space);
     PressKey(f.Text2[1], Qt::Key_End);
     EXPECT_FALSE(f.isVisible());
     const ParameterImage& image = open.state.image;
@@ -142,6 +154,8 @@ TEST(AssistanceForm, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
     EXPECT_EQ(image[178], 1);
     EXPECT_EQ(image.GetParamWord(172), 32768);  // X0
     EXPECT_EQ(image[170], 2);
+    EXPECT_EQ(image[163], 0);  // I/O module verify error: continue
+    EXPECT_EQ(image[165], 1);
 }
 
 TEST(AssistanceForm, CheckShowsItsMessagesAndMarksTheBoxes) {
