@@ -58,7 +58,7 @@ void frmAssistance::BuildControls() {
     auto edit = [this](const QString& name, int digits) {
         auto* e = new QLineEdit(this);
         e->setObjectName(name);
-        e->setMaxLength(digits);
+        LimitTyping(e, digits);
         e->setAlignment(Qt::AlignRight);
         e->setFixedWidth(e->fontMetrics().horizontalAdvance(QString(digits + 1, '8')) + 12);
         return e;
