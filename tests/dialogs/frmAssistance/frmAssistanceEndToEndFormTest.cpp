@@ -9,10 +9,7 @@
 #include <QTest>
 
 #include "common/qt/DialogRegistry.h"
-#include "entry/GantrixA0J.h"
-#include "store/CheckSum.h"
-#include "support/ModalDriver.h"
-#include "support/core/TestSupport.h"
+#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -20,17 +17,8 @@ namespace {
 using test::Child;
 using test::ModalDriver;
 using test::PressKey;
+using test::RunParameterMode;
 using test::TempProject;
-
-int RunParameterMode(const TempProject& project, ModalDriver& driver) {
-    ::RKParam* object = RKParam_Create();
-    RKParam_Let_szPcName(object, project.Cpu().c_str());
-    RKParam_Let_ProjectName(object, project.Path().c_str());
-    int16_t result = -1;
-    driver.Run([&] { EXPECT_EQ(RKParam_Param_main(object, &result), 0); });
-    RKParam_Release(object);
-    return result;
-}
 
 void OpenItem(ModalDriver& driver, int item) {
     driver.On("frmMenu", [item](QWidget* menu) {
@@ -57,11 +45,11 @@ TEST(AssistanceEndToEnd, StepRelaysOfAnA2EndTheLatchRowL) {
         PressKey(Child(latch, "Cancel"), Qt::Key_Return);
     });
     driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(RunParameterMode(project, driver), 1);
+    EXPECT_EQ(RunParameterMode(project, driver).result, 1);
     EXPECT_EQ(latchEnd, "1535");
-    expected.SetParamWord(1535, 18);
-    SetCheckSum(expected, project.Cpu(), false);
-    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), expected), std::vector<int>{});
+    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(),
+                                   test::SavedWith(expected, project.Cpu(), {{18, 1535}})),
+              std::vector<int>{});
 }
 
 TEST(AssistanceEndToEnd, WatchdogAndIoControlOfAnA2UAreFixed) {
@@ -76,7 +64,7 @@ TEST(AssistanceEndToEnd, WatchdogAndIoControlOfAnA2UAreFixed) {
     OpenItem(driver, 4);
     driver.On("frmAssistance", [](QWidget* dialog) { PressKey(dialog, Qt::Key_End); });
     driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(RunParameterMode(project, driver), 1);
+    EXPECT_EQ(RunParameterMode(project, driver).result, 1);
     // Watchdog 20 x 10 ms and direct I/O, as a new project has them, check bytes included.
     EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), fresh), std::vector<int>{});
 }
