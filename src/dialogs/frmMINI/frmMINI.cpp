@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <cctype>
 #include <string_view>
 
@@ -121,11 +122,14 @@ void frmMINI::BuildControls() {
             OnKeyPress(cell, [this, i](int& key) { Text2_KeyPress(i, key); });
         }
     }
-    // Column captions no wider than their cells need wrap rather than widen the table.
+    // A caption wraps between its words rather than widen its column beyond the cells, but
+    // never cuts a word.
     for (int f = 0; f < kMiniFieldsPerRow; ++f) {
-        const int cellWidth = Text2[f]->width();
-        const int widest = metrics.horizontalAdvance(QStringLiteral("Receive")) + 6;
-        Label2[f]->setFixedWidth(std::max(cellWidth, widest));
+        int widest = Text2[f]->width();
+        for (const QString& word : Label2[f]->text().split(' ', Qt::SkipEmptyParts)) {
+            widest = std::max(widest, metrics.horizontalAdvance(word) + 8);
+        }
+        Label2[f]->setFixedWidth(widest);
     }
 
     auto* help = new QGroupBox(this);
