@@ -317,8 +317,8 @@ void frmMINI::Text2_KeyPress(int index, int& keyAscii) {
             accepted = IsDigit(keyAscii);
             break;
         default:  // device cells
-            accepted = keyAscii < 128 && std::string_view("XYMLSBTCDWR0123456789AEF").find(upper) !=
-                                             std::string_view::npos;
+            accepted =
+                std::string_view("XYMLSBTCDWR0123456789AEF").find(upper) != std::string_view::npos;
             break;
     }
     const int kept = static_cast<int>(cell->text().size() - cell->selectedText().size());

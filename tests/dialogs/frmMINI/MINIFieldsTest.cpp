@@ -57,10 +57,10 @@ TEST(MiniDeviceCodes, EveryLetterToItsCodeAndBack) {
     // L and S are coded in M's range; codes in no range show nothing.
     EXPECT_EQ(CalculateAddress(MiniGroup::A, "L1008"), 1024 + 63);
     EXPECT_EQ(CalculateAddress(MiniGroup::U, "S2048"), 1536 + 128);
-    for (long code : {640L, 1023L, 1792L, 2495L, 2512L, 24576L, 65535L}) {
+    for (long code : {640L, 1023L, 1792L, 2495L, 2512L, 2816L, 24576L, 65535L}) {
         EXPECT_EQ(DeviceTextOf(MiniGroup::A, code, kAllM), "") << code;
     }
-    for (long code : {512L, 1023L, 3280L, 23552L, 32767L, 40960L}) {
+    for (long code : {512L, 1023L, 3280L, 3584L, 23552L, 32767L, 40960L}) {
         EXPECT_EQ(DeviceTextOf(MiniGroup::U, code, kAllM), "") << code;
     }
 }

@@ -55,6 +55,17 @@ TEST(MINIForm, CountMakesAndRemovesRows) {
     frmMINI& f = *open.form;
     EXPECT_EQ(f.Text1->text(), "0");
     EXPECT_EQ(QApplication::focusWidget(), f.Text1);
+    // Every control has its own place; each caption stands over its column.
+    const QList<QWidget*> controls = f.findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+    for (QWidget* a : controls) {
+        for (QWidget* b : controls) {
+            EXPECT_TRUE(a == b || !a->geometry().intersects(b->geometry()))
+                << a->objectName().toStdString() << " " << b->objectName().toStdString();
+        }
+    }
+    for (int c = 0; c < kMiniFieldsPerRow; ++c) {
+        EXPECT_NEAR(f.Label2[c]->geometry().center().x(), f.Text2[c]->geometry().center().x(), 2);
+    }
     TypeKeys(f.Text1, "2");  // a digit replaces the one the box holds
     EXPECT_EQ(f.Text1->text(), "2");
     EXPECT_EQ(f.Label2[13]->text(), "2");
