@@ -19,7 +19,9 @@
 #include <functional>
 #include <iostream>
 
+#include "common/DialogContext.h"
 #include "common/qt/DialogRegistry.h"
+#include "dialogs/frmMINI/MINIFields.h"
 #include "entry/RKParam.h"
 #include "menus/frmMenu.h"
 #include "support/core/TestSupport.h"
@@ -40,6 +42,17 @@ int main(int argc, char** argv) {
 
     gantrix::test::TempDir dir;
     gantrix::ModuleState state = gantrix::test::StateFor(cpu, dir.Path());
+    if (name == "frmMINI") {
+        // Two modules, so that the table shows filled rows.
+        gantrix::MINIFields modules;
+        modules.Text1 = "2";
+        const std::array<const char*, 22> cells = {
+            "1A0",   "MINI",  "12",    "X100", "Y100",    "5",      "CPU", "Hold",
+            "M9016", "D9010", "OFF",   "200",  "MINI-S3", "------", "B0",  "B100",
+            "3",     "Link",  "Clear", "",     "",        "Hold"};
+        std::copy(cells.begin(), cells.end(), modules.Text2.begin());
+        gantrix::WriteMINI(modules, state.image, gantrix::ContextOf(state));
+    }
     dir.Write("param.$$$", {state.image.bytes().begin(), state.image.bytes().end()});
     if (name == "frmRemote") {
         // Two remote terminals, one of each protocol, so that the table shows its cells.

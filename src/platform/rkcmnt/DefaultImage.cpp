@@ -110,6 +110,13 @@ void SupplementaryDefaults(std::string_view cpu, Image& image) {
     }
 }
 
+// No M-NET/MINI modules: the count word the dialog's Clear gives, in each area the CPU
+// group keeps (534 for the extended types, 2312 too for the U types); records stay erased.
+void MiniDefaults(std::string_view cpu, Image& image) {
+    if (In(cpu, {"A2A", "A3A", "A2U", "A3U", "A4U"})) Word(image, 534, 0);
+    if (In(cpu, {"A2U", "A3U", "A4U"})) Word(image, 2312, 0);
+}
+
 void MenuFixedBytes(std::string_view cpu, Image& image) {
     static constexpr unsigned char kFixed[8] = {2, 104, 0, 16, 3, 72, 1, 16};
     const bool u = In(cpu, {"A2U", "A3U", "A4U"});
@@ -162,6 +169,7 @@ bool BuildDefaultImage(std::string_view cpuType, unsigned char* out) {
     Fill(image, 384, 511, 0);
     image[1024] = 0;
     image[1071] = 0;
+    MiniDefaults(cpuType, image);
     MenuFixedBytes(cpuType, image);
     Sums(cpuType, image);
     std::memcpy(out, image.data(), image.size());

@@ -33,6 +33,8 @@
 //    172-174, 176-178 erased (no RUN/PAUSE contacts); 180 = 0; 181 = 255;
 //    140 = 0 for A2U A3U A4U; 208 = 0 for A3 A3H A3A A3U A4U
 //  Remote stations (A2C): 141 = 0, 142 = 0, 143..158 = 0, 159 = 64
+//  M-NET/MINI auto-refresh: no modules, count word 534 = 0 for the extended types and
+//    2312 = 0 for A2U A3U A4U; the module records 544..639 and 2322..2417 erased
 //  Fixed bytes the parameter menu writes on OK: 524, 536..543, 2314..2321 (U types), 182
 //  Network block: 1024 = 0 (no network parameters), 1071 = 0 (no I/O assignment), the rest
 //  erased; its sum at 2056..2058 is written.
