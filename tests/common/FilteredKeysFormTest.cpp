@@ -10,8 +10,10 @@
 #include <QTest>
 #include <memory>
 
+#include "dialogs/frmAssistance/frmAssistance.h"
 #include "dialogs/frmIOLayout/frmIOLayout.h"
 #include "dialogs/frmLatch/frmLatch.h"
+#include "dialogs/frmMINI/frmMINI.h"
 #include "dialogs/frmMemory/frmMemory.h"
 #include "dialogs/frmTimerCounter/frmTimerCounter.h"
 #include "dialogs/frmTypeNameSet/frmTypeNameSet.h"
@@ -66,6 +68,13 @@ TEST(FilteredKeys, LettersOutsideAsciiAreDiscardedByEveryFilteredBox) {
     assignment.names[0] = "AX10";
     ExpectKeysDiscarded(std::make_unique<frmTypeNameSet>(state, assignment).get(),
                         {"Text1(0)", "Combo1(0)"});
+    // Contacts (hexadecimal) and the watchdog; the refresh table's count and a device cell.
+    ExpectKeysDiscarded(std::make_unique<frmAssistance>(state).get(), {"Text2(0)", "Text3"});
+    ModuleState extended = test::StateFor("A3U");
+    extended.Presenter = &messages;
+    extended.image.SetParamWord(1, 2312);  // one module
+    ExpectKeysDiscarded(std::make_unique<frmMINI>(extended).get(),
+                        {"Text1", "Text2(0)", "Text2(4)"});
     EXPECT_TRUE(messages.shown.empty());
 }
 

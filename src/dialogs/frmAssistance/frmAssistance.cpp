@@ -383,7 +383,7 @@ void frmAssistance::VScroll_Change(Box& box) {
 
 void frmAssistance::Text_KeyPress(Box& box, int& keyAscii) {
     int kind = CheckDecimalKey(keyAscii);
-    if (kind == 0 && box.hex && std::isxdigit(keyAscii)) kind = 1;
+    if (kind == 0 && box.hex && keyAscii < 128 && std::isxdigit(keyAscii)) kind = 1;
     if (kind == 0) {
         keyAscii = 0;
     } else if (kind == 2) {

@@ -71,7 +71,7 @@ bool IsBitLetter(char letter) {
 }
 
 std::string Hex(long value) {
-    char buffer[16];
+    char buffer[2 * sizeof(unsigned long) + 1];  // every hexadecimal digit of the widest value
     std::snprintf(buffer, sizeof buffer, "%lX", static_cast<unsigned long>(value));
     return buffer;
 }

@@ -295,6 +295,10 @@ void frmMINI::Text2_KeyPress(int index, int& keyAscii) {
         return;
     }
     if (keyAscii < 32 || keyAscii == 127) return;  // Backspace, Delete, control characters
+    if (keyAscii > 127) {  // no cell takes a character outside ASCII
+        keyAscii = 0;
+        return;
+    }
     const std::vector<std::string> choices = ChoicesOf(f);
     if (!choices.empty()) {
         const int position = keyAscii - '0';
