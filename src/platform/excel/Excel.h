@@ -24,7 +24,13 @@ class Workbook {
     virtual ~Workbook() = default;
     virtual std::string Name() const = 0;
     virtual std::vector<Worksheet*> Worksheets() = 0;
+    // Brings the workbook to the front of the application.
+    virtual void Activate() {}
 };
+
+// Window states of the application, as the automation model numbers them.
+inline constexpr int kWindowMinimized = -4140;
+inline constexpr int kWindowNormal = -4143;
 
 class Application {
   public:
@@ -34,6 +40,8 @@ class Application {
     virtual Workbook* Open(const std::string& fileName) = 0;
     virtual void Run(const std::string& macro) = 0;
     virtual void SetVisible(bool visible) = 0;
+    virtual int WindowState() const { return kWindowNormal; }
+    virtual void SetWindowState(int /*state*/) {}
 };
 
 struct ApplicationClass {
