@@ -146,11 +146,15 @@ int Run(const std::vector<std::string>& args) {
     std::string param = WithSeparator(dir) + "param.tmp";
     try {
         const std::string name = gantrix::FindEntry(param);
-        if (!name.empty()) param = WithSeparator(dir) + name;
-        if (name.empty() || ::stat(param.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+        if (name.empty()) {
             std::cerr << "rkparam: \"" << param
                       << "\" is missing; make the project with: rkparam new --cpu CODE " << dir
                       << "\n";
+            return kFailed;
+        }
+        param = WithSeparator(dir) + name;
+        if (::stat(param.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+            std::cerr << "rkparam: \"" << param << "\" is not a regular file\n";
             return kFailed;
         }
         if (info.st_size != 3072) {

@@ -77,13 +77,12 @@ int16_t RKParam::Param_main() {
     }
     if (ProjectName.back() != '/') ProjectName += '/';
 
-    // The run holds its project to the end; another run's leftovers go first.
+    // The run holds its project to the end.
     ProjectLock lock(ProjectName);
     if (!lock.Held()) {
         return Refuse("The project \"" + ProjectName +
                       "\" is in use by another run of the parameter mode.");
     }
-    RemoveStaleParts(ProjectName);
 
     // 5: the image and the END positions of the programs. A "param.tmp" that cannot be
     // loaded whole ends the run here, so that nothing is saved over it.
@@ -97,6 +96,8 @@ int16_t RKParam::Param_main() {
         s.CpuType = cpuText.data();
         for (int i = 0; i < 4; ++i) s.EndPosition[i] = endPosition[i];
     }
+    // What a killed run left half-written goes now that this run holds the project.
+    RemoveStaleParts(ProjectName);
 
     // 1-3: the menu, with its captions; it centres itself when shown.
     auto menu = std::make_unique<frmMenu>(s);
@@ -133,7 +134,6 @@ int16_t RKParam::Param_main() {
             state.SaveRequested = false;
         }
     } endOfRun{s, menu};
-    bool save = false;
     try {
         CopyWorkFiles(s);
         menu->exec();
@@ -146,7 +146,7 @@ int16_t RKParam::Param_main() {
         throw;
     }
     ContentChangeFlag = s.ContentChangeFlag;
-    save = s.SaveRequested;
+    const bool save = s.SaveRequested;
     const std::vector<std::string> warnings = FinishRunFiles(s, save);
 
     if (!warnings.empty()) {

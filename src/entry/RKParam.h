@@ -38,8 +38,7 @@ class RKParam {
     std::string notice_;
 };
 
-// The state shared by every call in this process, as the original kept one image per
-// process.
+// The state shared by every call in this process: hosts expect one image per process.
 ModuleState& ProcessModuleState();
 
 // Makes sure a QApplication exists (the host's, or one of the component's own).

@@ -120,8 +120,9 @@ std::string ResolveLinks(const std::string& path, struct stat& info) {
         char link[PATH_MAX];
         const ssize_t n = ::readlink(current.c_str(), link, sizeof link);
         if (n < 0) throw FileError("Cannot write", path, errno);
-        if (static_cast<size_t>(n) == sizeof link)
+        if (static_cast<size_t>(n) == sizeof link) {
             throw FileError("Cannot write", path, ENAMETOOLONG);
+        }
         const std::string next(link, static_cast<size_t>(n));
         current = next.front() == '/' ? next : SplitPath(current).first + next;
     }
@@ -185,8 +186,9 @@ StagedFile::~StagedFile() {
 }
 
 void StagedFile::Commit() {
-    if (::rename(temp_.c_str(), target_.c_str()) != 0)
+    if (::rename(temp_.c_str(), target_.c_str()) != 0) {
         throw FileError("Cannot write", path_, errno);
+    }
     committed_ = true;
 }
 

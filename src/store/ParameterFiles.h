@@ -22,10 +22,10 @@ inline constexpr const char* kNetparaTmp = "netpara.tmp";
 inline constexpr const char* kNetparaWork = "netpara.$$$";
 
 // The name part of the regular file at path, spelled as the directory stores it, or "" when
-// there is none. Names are looked up without regard to case, as the original file system
-// did, so callers compare the result exactly or in lower case as each test requires, and
-// use the returned spelling for any operation on the file. A directory that cannot be read
-// is not taken for an empty one: it raises a RuntimeError naming the path.
+// there is none. Names are looked up without regard to case, as the projects' file systems
+// did, so callers compare the result exactly or in lower case as each test requires, and use
+// the returned spelling for any operation on the file. A directory that cannot be read is
+// not taken for an empty one: it raises a RuntimeError naming the path.
 std::string Dir(const std::string& path);
 
 // The same lookup for an entry of any kind (a directory, a FIFO, a dangling link too).
