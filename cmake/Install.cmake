@@ -59,14 +59,14 @@ set(CPACK_PACKAGE_VENDOR "GantrixA0J developers")
 set(CPACK_PACKAGE_CONTACT "GantrixA0J developers <gantrixa0j@example.org>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "parameter mode of a ladder-programming tool for A-series PLCs")
 set(CPACK_PACKAGE_DESCRIPTION
-    "Control engineers set the parameters of an A-series PLC project (memory capacities,\n"
-    "latch ranges, timer and counter partition, I/O slots and module names, supplementary\n"
-    "functions) in dialogs that check every entry against the CPU type's limits and write\n"
-    "the project's parameter file.\n"
+    "Control engineers set the parameters of an A-series PLC project (memory\n"
+    "capacities, latch ranges, timer and counter partition, I/O slots and module\n"
+    "names, supplementary functions) in dialogs that check every entry against\n"
+    "the CPU type's limits and write the project's parameter file.\n"
     "\n"
-    "This package holds the shared library libGantrixA0J with its C interface for host\n"
-    "programs (header, pkg-config and CMake files) and rkparam, the host program that makes\n"
-    "projects and opens the parameter mode on them.")
+    "This package holds the shared library libGantrixA0J with its C interface\n"
+    "for host programs (header, pkg-config and CMake files) and rkparam, the host\n"
+    "program that makes projects and opens the parameter mode on them.")
 string(JOIN "" CPACK_PACKAGE_DESCRIPTION ${CPACK_PACKAGE_DESCRIPTION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
@@ -77,4 +77,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# The loader cache is refreshed through dpkg's ldconfig trigger; the scripts given here take
+# the place of the ones that CPack would write to call ldconfig itself.
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/triggers
+    ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/postinst
+    ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/postrm)
 include(CPack)

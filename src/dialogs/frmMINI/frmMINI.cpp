@@ -313,7 +313,7 @@ void frmMINI::Text2_KeyPress(int index, int& keyAscii) {
         return;
     }
     if (keyAscii < 32 || keyAscii == 127) return;  // Backspace, Delete, control characters
-    if (keyAscii > 127) {                          // no cell takes a character outside ASCII
+    if (keyAscii > 127) {  // no cell takes a character outside ASCII
         keyAscii = 0;
         return;
     }
