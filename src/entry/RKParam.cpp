@@ -95,6 +95,7 @@ int16_t RKParam::Param_main() {
     ContentChangeFlag = s.ContentChangeFlag;
     const bool save = s.SaveRequested;
     FinishRunFiles(s, save);
+    s.ExcelApp = nullptr;
     menu.reset();
     s.SaveRequested = false;
     return save ? 1 : 0;
