@@ -5,9 +5,12 @@
 #include <QTest>
 
 #include <cstdio>
+#include <filesystem>
 
 #include "common/qt/DialogRegistry.h"
 #include "menus/frmMenu.h"
+#include "print/PrintRules.h"
+#include "print/RecordingExcel.h"
 #include "store/ParameterFiles.h"
 #include "support/ParameterModeRun.h"
 
@@ -198,12 +201,78 @@ TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
     EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[1]);
 }
 
-TEST(frmMenu, AnItemWhoseDialogHasNotJoinedDoesNothing) {
+TEST(frmMenu, NetworkItemByCpuType) {
+    const struct {
+        const char* cpu;
+        const char* book;  // the template of the workbook opened; nullptr: none
+        const char* mode;
+    } cases[] = {{"A1S", "MORNET.xls", "0"}, {"A4U", "MORNET10.xls", "3"}, {"A0J", nullptr, ""}};
+    for (const auto& c : cases) {
+        MenuFixture f(c.cpu);
+        test::RecordingExcel excel;
+        const std::string book = c.book ? MakeBookName(f.project.Path(), c.book) : "";
+        if (c.book) f.project.WriteText(book, "workbook");
+        f.menu->MenuItem[5]->click();
+        EXPECT_EQ(f.state.NetEditActive, c.book != nullptr) << c.cpu;
+        if (!c.book) continue;
+        ASSERT_NE(excel.Temp(book), nullptr) << c.cpu;
+        EXPECT_EQ(excel.Temp(book)->cells["B32"], c.mode);
+    }
+
     MenuFixture f("A3A");
-    ASSERT_FALSE(IsDialogRegistered("frmNetworkMenu"));
-    f.menu->MenuItem[5]->click();
+    test::ModalDriver driver;
+    driver.On("frmNetworkMenu",
+              [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); });
+    driver.Run([&f] { f.menu->MenuItem[5]->click(); });
     EXPECT_FALSE(f.Closed());
-    EXPECT_TRUE(f.messages.shown.empty());
+}
+
+TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
+    MenuFixture f("A3 ");
+    test::RecordingExcel excel;
+    const std::string dir = f.project.Path();
+    f.project.WriteText(MakeBookName(dir, "Parameter mode.xls"), "workbook");
+    f.project.WriteText(MakeBookName(dir, "MORNET.xls"), "workbook");
+    f.menu->MenuItem[6]->click();
+    f.menu->MenuItem[5]->click();
+    ASSERT_EQ(excel.app->books.size(), 2u);
+    f.menu->OK->click();
+    f.menu->Cancel->click();
+    excel.app->books.erase(excel.app->books.begin());  // the parameter workbook
+    f.menu->OK->click();
+    f.menu->Cancel->click();
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{24, 24, 15, 15, 5, 5}));
+    EXPECT_FALSE(f.Closed());
+    excel.CloseAll();
+    f.menu->OK->click();
+    EXPECT_TRUE(f.Closed());
+    EXPECT_FALSE(f.state.NetEditActive || f.state.ParamPrintActive);
+}
+
+// A run ended by a runtime error while its workbook is open (so no CheckExcel let go of the
+// application) still lets go of it: the spreadsheet keeps running, unheld.
+TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
+    TempProject project("A3 ");
+    test::RecordingExcel excel;
+    project.WriteText(MakeBookName(project.Path(), "Parameter mode.xls"), "workbook");
+    test::ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(6)"), Qt::Key_Return); })
+        .Message(24, "Yes")
+        .On("frmMenu",
+            [&project](QWidget* menu) {
+                // Clear All cannot write "param.$$$" over a directory.
+                std::remove(project.File(kParamWork).c_str());
+                std::filesystem::create_directory(project.File(kParamWork));
+                PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
+            })
+        .Message(12, "Yes")
+        .Message(0, "OK");
+    const test::RunOutcome run = test::RunParameterMode(project, driver);
+    EXPECT_EQ(run.result, 0) << run.error;
+    ASSERT_EQ(excel.app->books.size(), 1u);
+    EXPECT_EQ(excel.app.use_count(), 1);
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ TEST(PrintNetworkSettings, AsksStartsCopiesWritesTheWorkingFileFillsTempAndRunsT
     ParameterImage work = f.state.image;
     work[1500] = 0x42;  // network data edited in the spreadsheet before
     f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
-    f.state.image[100] = 0x43;   // the run's own edit of the main area
+    f.state.image[100] = 0x43;  // the run's own edit of the main area
     const std::string book = f.Book("MORNET10.xls");
 
     PrintNetworkSettings(f.state, 3, f.templates.Path());
