@@ -141,10 +141,6 @@ void Run(ModuleState& state, const HandOver& h, const std::string& appPath) {
     ShowApplication(state);
 }
 
-std::string Text(int id) {
-    return LoadResString(id);
-}
-
 }  // namespace
 
 std::string MakeBookName(const std::string& projectDir, const std::string& file) {
@@ -190,9 +186,10 @@ void PrintNetworkSettings(ModuleState& state, int index, const std::string& appP
                    {"MORNET10.xls", 0, ids::NetworkSettingSheet}};
     if (index < 0 || index > 3) return;
     HandOver h;
-    h.templateFile = kBooks[index].templateFile != nullptr ? kBooks[index].templateFile
-                                                           : Text(kBooks[index].templateId);
-    h.sheetName = Text(kBooks[index].sheetId);
+    h.templateFile = kBooks[index].templateFile != nullptr
+                         ? kBooks[index].templateFile
+                         : LoadResString(kBooks[index].templateId);
+    h.sheetName = LoadResString(kBooks[index].sheetId);
     state.NetBookName = MakeBookName(state.ProjectDir, h.templateFile);
     h.bookName = state.NetBookName;
     h.writeWorkingFiles = [&state] {
@@ -214,8 +211,8 @@ void PrintNetworkSettings(ModuleState& state, int index, const std::string& appP
 
 void PrintParameterSettings(ModuleState& state, const std::string& appPath) {
     HandOver h;
-    h.templateFile = Text(ids::ParameterModeBook);
-    h.sheetName = Text(ids::CapacityLatchRangeSheet);
+    h.templateFile = LoadResString(ids::ParameterModeBook);
+    h.sheetName = LoadResString(ids::CapacityLatchRangeSheet);
     state.ParamBookName = MakeBookName(state.ProjectDir, h.templateFile);
     h.bookName = state.ParamBookName;
     // The print workbook reads the parameters from this copy of the image.
