@@ -24,25 +24,6 @@ TEST(NetworkMenuRules, ModeFromTheNetworkFlagAndTheLowSixBitsOf2560) {
     }
 }
 
-TEST(NetworkMenuRules, EmptyNetworkDataSuitEveryModeStoredDataOnlyTheirOwn) {
-    // Per stored mode: whether index 0, 1, 2 and 3 may be edited, and the option shown.
-    const struct {
-        int16_t mode;
-        bool matches[4];
-        int option;
-    } cases[] = {{0, {true, true, true, false}, 0},
-                 {1, {false, true, false, false}, 1},
-                 {2, {false, false, true, false}, 2},
-                 {3, {true, false, false, false}, 0},
-                 {4, {false, false, false, false}, -1}};
-    for (const auto& c : cases) {
-        for (int index = 0; index < 4; ++index) {
-            EXPECT_EQ(ModeMatches(index, c.mode), c.matches[index]) << c.mode << " " << index;
-        }
-        EXPECT_EQ(OptionOfMode(c.mode), c.option) << c.mode;
-    }
-}
-
 TEST(NetworkMenuRules, ClearLinkByteByByte) {
     ParameterImage image;
     for (int i = 0; i < kImageSize; ++i) image[i] = static_cast<uint8_t>(i % 251);

