@@ -78,6 +78,7 @@ TEST(frmNetworkMenu, AConfirmedClearingIsSavedBeforeTheEditingStarts) {
     EXPECT_EQ(f.state.image[1071], 5);
     EXPECT_EQ(f.state.image[2560], 255);
     EXPECT_EQ(f.project.Read(kParamWork), f.Image());
+    EXPECT_EQ(f.state.NetworkMode, 0);
     EXPECT_TRUE(f.menu->isVisible());
 
     // Cleared data suit every mode: the MORNET II workbook opens without a question.
