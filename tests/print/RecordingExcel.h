@@ -102,6 +102,7 @@ class RecordingExcel {
                                   }});
     }
     ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", {}); }
+    RecordingExcel(const RecordingExcel&) = delete;  // the registration holds this
 
     ExcelLog log;
     std::shared_ptr<RecordingApp> app = std::make_shared<RecordingApp>(log);
