@@ -55,8 +55,10 @@ NetworkWindow::NetworkWindow(SpreadsheetWorkbook& book,
             starts << QString::number(FirstRow(range) + row * kBytesPerRow);
         }
         table->setVerticalHeaderLabels(starts);
-        table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-        table->horizontalHeader()->setMinimumSectionSize(30);
+        // Fixed widths: sizing to the contents would measure every cell on every change.
+        table->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+        table->horizontalHeader()->setDefaultSectionSize(
+            table->fontMetrics().horizontalAdvance("+WW") + 12);
         connect(table, &QTableWidget::itemChanged, this,
                 [this](QTableWidgetItem* item) { CellChanged(item); });
         Bytes[r] = table;
@@ -117,6 +119,7 @@ void NetworkWindow::ShowBytes() {
     for (std::size_t r = 0; r < Bytes.size(); ++r) {
         const ByteRange& range = kNetworkRanges[r];
         QTableWidget* table = Bytes[r];
+        table->setUpdatesEnabled(false);
         for (int row = 0; row < table->rowCount(); ++row) {
             for (int column = 0; column < kBytesPerRow; ++column) {
                 const int index = FirstRow(range) + row * kBytesPerRow + column;
@@ -136,6 +139,7 @@ void NetworkWindow::ShowBytes() {
                 table->setItem(row, column, item);
             }
         }
+        table->setUpdatesEnabled(true);
     }
     filling_ = false;
 }
