@@ -1,5 +1,6 @@
 #include "spreadsheet/NetworkWindow.h"
 
+#include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -58,7 +59,9 @@ NetworkWindow::NetworkWindow(SpreadsheetWorkbook& book,
         // Fixed widths: sizing to the contents would measure every cell on every change.
         table->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
         table->horizontalHeader()->setDefaultSectionSize(
-            table->fontMetrics().horizontalAdvance("+WW") + 12);
+            table->fontMetrics().horizontalAdvance("+WW") + 10);
+        table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+        table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 8);
         connect(table, &QTableWidget::itemChanged, this,
                 [this](QTableWidgetItem* item) { CellChanged(item); });
         Bytes[r] = table;
@@ -82,7 +85,11 @@ NetworkWindow::NetworkWindow(SpreadsheetWorkbook& book,
     layout->addWidget(Ranges, 1);
     layout->addWidget(Status);
     layout->addLayout(buttons);
-    resize(720, 560);
+    // Wide enough for the sixteen columns of a row, its index and the scroll bar.
+    const QFontMetrics metrics = Bytes[0]->fontMetrics();
+    resize(kBytesPerRow * (metrics.horizontalAdvance("+WW") + 10) +
+               metrics.horizontalAdvance("00000") + 80,
+           600);
 }
 
 void NetworkWindow::AutoOpen() {

@@ -13,9 +13,9 @@
 #include <QTableWidget>
 #include <QTextDocument>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <exception>
 
-#include "common/StringTable.h"
 #include "report/ParameterReport.h"
 #include "report/XlsxExport.h"
 #include "spreadsheet/SpreadsheetApplication.h"
@@ -37,6 +37,8 @@ QTableWidget* SheetTable(const Sheet& sheet, QWidget* parent) {
     table->verticalHeader()->hide();
     table->setShowGrid(false);
     table->setWordWrap(false);
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 8);
     QFont bold = table->font();
     bold.setBold(true);
     QFont title = bold;
@@ -47,6 +49,7 @@ QTableWidget* SheetTable(const Sheet& sheet, QWidget* parent) {
         const SheetRow& row = sheet.rows[static_cast<std::size_t>(r)];
         const bool across = row.kind == RowKind::Title || row.kind == RowKind::Note;
         if (across && columns > 1) table->setSpan(r, 0, 1, columns);
+        if (row.kind == RowKind::Blank) table->setRowHeight(r, table->fontMetrics().height() / 2);
         for (int c = 0; c < static_cast<int>(row.cells.size()); ++c) {
             auto* item = new QTableWidgetItem(Q(row.cells[static_cast<std::size_t>(c)]));
             if (row.kind == RowKind::Title) item->setFont(title);
@@ -106,7 +109,7 @@ ReportWindow::ReportWindow(SpreadsheetWorkbook& book,
     layout->addWidget(Status);
     layout->addLayout(buttons);
     EnableOutput(false);
-    resize(760, 560);
+    resize(880, 600);
 }
 
 void ReportWindow::EnableOutput(bool enabled) {
@@ -120,7 +123,7 @@ void ReportWindow::AutoOpen() {
     const auto slash = file.find_last_of('/');
     const std::string projectDir = slash == std::string::npos ? "" : file.substr(0, slash + 1);
     projectDir_ = Q(projectDir);
-    title_ = Q(LoadResString(ids::ParameterPrinting));
+    title_ = "Parameter setting data";
     subtitle_ = "CPU type " + Q(cpu) + ", project " + projectDir_;
     try {
         sheets_ = BuildParameterReport(ReadParameterFile(file), ReportContext(cpu, projectDir));
@@ -153,15 +156,24 @@ QString ReportWindow::ReportHtml() const {
 void ReportWindow::PrintTo(QPrinter& printer) const {
     QTextDocument document;
     QFont font = document.defaultFont();
-    font.setPointSize(9);
+    font.setPointSize(10);
     document.setDefaultFont(font);
     document.setHtml(ReportHtml());
     document.print(&printer);
 }
 
+void ReportWindow::SetUpPrinter(QPrinter& printer) const {
+    printer.setDocName(windowTitle());
+    // A sheet with a wide table (the M-NET/MINI modules) prints across the long side of the
+    // paper, so that its headings keep their words whole.
+    const bool wide = std::any_of(sheets_.begin(), sheets_.end(),
+                                  [](const Sheet& sheet) { return sheet.ColumnCount() > 8; });
+    printer.setPageOrientation(wide ? QPageLayout::Landscape : QPageLayout::Portrait);
+}
+
 void ReportWindow::PrintClicked() {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setDocName(windowTitle());
+    SetUpPrinter(printer);
     QPrintDialog dialog(&printer, this);
     dialog.setObjectName("PrintDialog");
     if (dialog.exec() == QDialog::Accepted) PrintTo(printer);
@@ -169,7 +181,7 @@ void ReportWindow::PrintClicked() {
 
 void ReportWindow::PrintPreviewClicked() {
     QPrinter printer(QPrinter::HighResolution);
-    printer.setDocName(windowTitle());
+    SetUpPrinter(printer);
     QPrintPreviewDialog preview(&printer, this);
     preview.setObjectName("PrintPreviewDialog");
     connect(&preview, &QPrintPreviewDialog::paintRequested, this,

@@ -26,6 +26,8 @@ class ReportWindow : public WorkbookWindow {
     // The report as printed: a document of every sheet.
     QString ReportHtml() const;
     void PrintTo(QPrinter& printer) const;
+    // The document name and the orientation the report prints in.
+    void SetUpPrinter(QPrinter& printer) const;
     // Saves the sheets; false (and the reason in a message box and the status line) when
     // the file could not be written.
     bool SaveXlsxTo(const QString& path);
