@@ -10,6 +10,7 @@
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <exception>
+#include <stdexcept>
 
 #include "report/NetworkBytes.h"
 #include "report/ParameterReport.h"
@@ -95,7 +96,8 @@ NetworkWindow::NetworkWindow(SpreadsheetWorkbook& book,
 void NetworkWindow::AutoOpen() {
     if (Book() == nullptr) return;
     const std::string projectDir = Book()->TempCell(30, 2);
-    path_ = projectDir + kParamWork;
+    // Without a project directory there is no working file to show, and none to guess.
+    path_ = projectDir.empty() ? "" : projectDir + kParamWork;
     Heading->setText(
         QString("<b>%1</b> (CPU type %2)<br>%3<br>The fields of the network block are not "
                 "decoded here: each byte is shown and edited as a hexadecimal value 00 to FF. "
@@ -109,6 +111,7 @@ void NetworkWindow::AutoOpen() {
 void NetworkWindow::Load() {
     edits_.clear();
     try {
+        if (path_.empty()) throw std::runtime_error("No project directory in TEMP!B30.");
         const ParameterImage image = ReadParameterFile(path_);
         file_.assign(image.bytes().begin(), image.bytes().end());
         Status->clear();

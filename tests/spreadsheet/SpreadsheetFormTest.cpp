@@ -254,6 +254,14 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     EXPECT_EQ(window->CellOf(1030)->text().toStdString(), ByteText(file[1030]));
     EXPECT_FALSE(window->CellOf(1071)->flags() & Qt::ItemIsEditable);
     EXPECT_TRUE(window->CellOf(2560)->flags() & Qt::ItemIsEditable);
+    // Without a project directory there is nothing to show.
+    excel::Worksheet* temp = book->FindSheet("TEMP");
+    temp->SetCell(30, 2, "");
+    application->Run("auto_open");
+    EXPECT_TRUE(window->CellOf(1030)->text().isEmpty());
+    EXPECT_TRUE(window->Status->text().contains("B30"));
+    temp->SetCell(30, 2, project.Path());
+    application->Run("auto_open");
 
     window->CellOf(1030)->setText("5a");
     window->CellOf(1031)->setText("G");  // refused: the byte keeps its value
