@@ -125,6 +125,7 @@ void NetworkWindow::Load() {
 }
 
 void NetworkWindow::ShowBytes() {
+    // Every cell a table takes signals a change; those are not the user's edits.
     filling_ = true;
     for (std::size_t r = 0; r < Bytes.size(); ++r) {
         const ByteRange& range = kNetworkRanges[r];

@@ -97,7 +97,8 @@ TEST(SpreadsheetReport, PrintsEverySheetOnItsOwnPages) {
     const Expected defaults = {
         {"Memory Capacity Setting", {"CPU type A3U", "Main", "6 K steps", "Memory Capacity"}},
         {"Latch Range Setting", {"L", "1000", "2047", "not latched"}},
-        {"Timer/Counter Setting", {"T0-255", "256", "No counter counts interrupts."}},
+        {"Timer/Counter Setting",
+         {"T0-255", "256", "Interrupt Counter", "No counter counts interrupts."}},
         {"I/O Assignment", {"No slot is assigned."}},
         {"Supplementary Functions", {"Before operation", "Fuse blown", "Stop"}},
         {"M-NET/MINI Auto-refresh Setting", {"Number of Modules", "No module is set."}}};
@@ -135,6 +136,7 @@ TEST(SpreadsheetReport, PrintsEverySheetOnItsOwnPages) {
             }
         }
         window->Close->click();
+        QApplication::processEvents();
     }
 }
 
@@ -165,6 +167,7 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
     EXPECT_EQ(window->objectName(), "frmSpreadsheet");
     EXPECT_TRUE(window->isVisible());
     EXPECT_TRUE(window->Print->isEnabled());
+    EXPECT_TRUE(window->Heading->text().contains(QString::fromStdString(project.Path())));
     // The report's sheets, then TEMP, each readable through the automation model.
     const std::vector<excel::Worksheet*> sheets = book->Worksheets();
     ASSERT_EQ(sheets.size(), 6u);
@@ -264,9 +267,11 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     application->Run("auto_open");
 
     window->CellOf(1030)->setText("5a");
+    EXPECT_TRUE(window->Status->text().startsWith("1 changed byte"));
     window->CellOf(1031)->setText("G");  // refused: the byte keeps its value
     EXPECT_EQ(window->CellOf(1030)->text(), "5A");
     EXPECT_EQ(window->CellOf(1031)->text().toStdString(), ByteText(file[1031]));
+    EXPECT_TRUE(window->Status->text().contains("00 to FF"));
     EXPECT_EQ(window->Edits(), (std::map<int, uint8_t>{{1030, 0x5A}}));
     // The sheet holds the bytes too: its first row of the block starts at 1024.
     excel::Worksheet* sheet = book->Worksheets()[0];
