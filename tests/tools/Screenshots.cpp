@@ -10,6 +10,7 @@
 // dialog's name) and every window is closed.
 
 #include <QAbstractButton>
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QKeySequence>
@@ -18,13 +19,95 @@
 #include <cstdio>
 #include <functional>
 #include <iostream>
+#include <tuple>
+#include <vector>
 
 #include "common/DialogContext.h"
 #include "common/qt/DialogRegistry.h"
 #include "dialogs/frmMINI/MINIFields.h"
 #include "entry/RKParam.h"
 #include "menus/frmMenu.h"
+#include "platform/excel/Excel.h"
+#include "report/ParameterReport.h"
+#include "report/ReportTestSupport.h"
+#include "store/ParameterFiles.h"
 #include "support/core/TestSupport.h"
+
+namespace {
+
+// Waits for the window system, then saves widget as OUTDIR/spreadsheet-NAME-CPU.png.
+bool Shoot(QWidget* widget, const QString& outDir, const QString& name, const std::string& cpu) {
+    QTest::qWait(400);
+    const QString file =
+        outDir + "/spreadsheet-" + name + "-" + QString::fromStdString(cpu).trimmed() + ".png";
+    const bool saved = widget != nullptr && widget->grab().save(file);
+    std::cout << (saved ? "" : "could not save ") << file.toStdString() << "\n";
+    return saved;
+}
+
+QWidget* WorkbookWindow() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+        if (window->objectName() == "frmSpreadsheet" && window->isVisible()) return window;
+    }
+    return nullptr;
+}
+
+// A workbook opened through the automation model, as the printing opens it.
+void OpenWorkbook(gantrix::excel::Application& application, const gantrix::test::TempDir& project,
+                  const std::string& file,
+                  const std::vector<std::tuple<int, int, std::string>>& cells) {
+    const std::string path = project.File("dsample" + file);
+    gantrix::CopyFileAtomically(gantrix::GetAppPath() + file, path);
+    gantrix::excel::Workbook* book = application.Open(path);
+    if (book == nullptr) return;
+    book->Activate();
+    for (gantrix::excel::Worksheet* sheet : book->Worksheets()) {
+        if (sheet->Name() != "TEMP") continue;
+        for (const auto& [row, column, value] : cells) sheet->SetCell(row, column, value);
+    }
+    application.Run("auto_open");
+    application.SetVisible(true);
+}
+
+int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
+    using namespace gantrix;
+    test::TempProject project(cpu);
+    const ParameterImage image =
+        test::EditedImage(project.ParamTmp(), ReportContext(cpu, project.Path()));
+    project.Write("param.$$p", {image.bytes().begin(), image.bytes().end()});
+    project.Write("param.$$$", {image.bytes().begin(), image.bytes().end()});
+    const auto application = excel::CreateObject("excel.application");
+    if (application == nullptr) return 2;
+    bool saved = true;
+
+    OpenWorkbook(*application, project, "Parameter mode.xls",
+                 {{1, 1, "Param"}, {2, 1, cpu}, {3, 1, project.File("param.$$p")}});
+    QWidget* report = WorkbookWindow();
+    saved = Shoot(report, outDir, "report", cpu) && saved;
+    if (auto* preview = report ? report->findChild<QAbstractButton*>("PrintPreview") : nullptr) {
+        QTimer::singleShot(0, [&] {
+            QWidget* dialog = QApplication::activeModalWidget();
+            if (dialog != nullptr) dialog->resize(900, 700);
+            // The last page: the widest sheet.
+            for (QAction* action : dialog ? dialog->findChildren<QAction*>() : QList<QAction*>()) {
+                if (action->text() == "Last page") action->trigger();
+            }
+            saved = Shoot(dialog, outDir, "print-preview", cpu) && saved;
+            if (dialog != nullptr) dialog->close();
+        });
+        preview->click();
+    }
+    if (report != nullptr) report->close();
+
+    OpenWorkbook(*application, project, "MORNET10.xls",
+                 {{29, 1, "NetParam"}, {30, 2, project.Path()}, {31, 2, cpu}, {32, 2, "3"}});
+    QWidget* network = WorkbookWindow();
+    saved = Shoot(network, outDir, "network", cpu) && saved;
+    if (network != nullptr) network->close();
+    return saved ? 0 : 1;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
     QApplication app(argc, argv);
@@ -39,6 +122,7 @@ int main(int argc, char** argv) {
     if (cpu.size() == 2) cpu += ' ';
     QStringList keys;
     for (int i = 4; i < argc; ++i) keys << argv[i];
+    if (name == "spreadsheet") return SpreadsheetShots(outDir, cpu);
 
     gantrix::test::TempDir dir;
     gantrix::ModuleState state = gantrix::test::StateFor(cpu, dir.Path());

@@ -1,0 +1,50 @@
+#pragma once
+// The network workbooks' view of the working parameter file: this component does not know
+// the field layout of the network block, so the workbooks show and edit its bytes.
+//
+//   1024..2055  the network block (1024: network present; 1071: the I/O-assignment flag,
+//               which the component keeps itself, so it is not edited here)
+//   2560..3042  the network link data (2560: the network mode in its low 6 bits)
+// The network sum at 2056..2058 is the component's to write.
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "report/Sheet.h"
+
+namespace gantrix {
+
+struct ByteRange {
+    int first;
+    int last;
+    const char* title;
+};
+inline constexpr ByteRange kNetworkRanges[] = {{1024, 2055, "Network block"},
+                                               {2560, 3042, "Link data"}};
+inline constexpr int kBytesPerRow = 16;
+
+// Whether the byte at index may be edited in a network workbook.
+bool IsEditableNetworkByte(int index);
+
+// "00".."FF"; and back from one or two hexadecimal digits in either case, blanks around them
+// ignored (nullopt for anything else).
+std::string ByteText(uint8_t value);
+std::optional<uint8_t> ParseByteText(const std::string& text);
+
+// What a byte means where this component knows it; "" elsewhere.
+std::string NetworkByteMeaning(int index);
+
+// The ranges as a sheet: a table per range, a row of 16 bytes per line, the row's first index
+// in the first column.
+Sheet NetworkSheet(const std::string& name, const std::vector<uint8_t>& file);
+
+// The working parameter file at path with the bytes of edits (index -> value) changed, the
+// others kept as the file holds them now: whatever the component wrote into the file since it
+// was shown stays. Raises a RuntimeError for a missing or short file, an index that is not
+// editable, and a failed write (the file then stays as it was).
+void WriteNetworkBytes(const std::string& path, const std::map<int, uint8_t>& edits);
+
+}  // namespace gantrix

@@ -1,0 +1,214 @@
+#include "spreadsheet/ReportWindow.h"
+
+#include <QFileDialog>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTableWidget>
+#include <QTextDocument>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <exception>
+
+#include "report/ParameterReport.h"
+#include "report/XlsxExport.h"
+#include "spreadsheet/SpreadsheetApplication.h"
+
+namespace gantrix::spreadsheet {
+namespace {
+
+QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
+
+// A sheet as a read-only grid: titles and notes across the table, headings shaded.
+QTableWidget* SheetTable(const Sheet& sheet, QWidget* parent) {
+    const int columns = std::max(sheet.ColumnCount(), 1);
+    auto* table = new QTableWidget(static_cast<int>(sheet.rows.size()), columns, parent);
+    table->setObjectName(Q(sheet.name));
+    table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->horizontalHeader()->hide();
+    table->verticalHeader()->hide();
+    table->setShowGrid(false);
+    table->setWordWrap(false);
+    table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() + 8);
+    QFont bold = table->font();
+    bold.setBold(true);
+    QFont title = bold;
+    title.setPointSizeF(bold.pointSizeF() * 1.15);
+    QFont note = table->font();
+    note.setItalic(true);
+    for (int r = 0; r < static_cast<int>(sheet.rows.size()); ++r) {
+        const SheetRow& row = sheet.rows[static_cast<std::size_t>(r)];
+        const bool across = row.kind == RowKind::Title || row.kind == RowKind::Note;
+        if (across && columns > 1) table->setSpan(r, 0, 1, columns);
+        if (row.kind == RowKind::Blank) table->setRowHeight(r, table->fontMetrics().height() / 2);
+        for (int c = 0; c < static_cast<int>(row.cells.size()); ++c) {
+            auto* item = new QTableWidgetItem(Q(row.cells[static_cast<std::size_t>(c)]));
+            if (row.kind == RowKind::Title) item->setFont(title);
+            if (row.kind == RowKind::Note) item->setFont(note);
+            if (row.kind == RowKind::Header) {
+                item->setFont(bold);
+                item->setBackground(QColor(0xE4, 0xE4, 0xE4));
+            }
+            table->setItem(r, c, item);
+        }
+    }
+    table->resizeColumnsToContents();
+    // Spanning titles and notes do not widen the first column.
+    for (int c = 0; c < columns; ++c) {
+        int width = 0;
+        for (int r = 0; r < table->rowCount(); ++r) {
+            const RowKind kind = sheet.rows[static_cast<std::size_t>(r)].kind;
+            if (kind == RowKind::Title || kind == RowKind::Note) continue;
+            if (const QTableWidgetItem* item = table->item(r, c)) {
+                width = std::max(width, table->fontMetrics().horizontalAdvance(item->text()));
+            }
+        }
+        table->setColumnWidth(c, std::max(width + 24, 40));
+    }
+    return table;
+}
+
+}  // namespace
+
+ReportWindow::ReportWindow(SpreadsheetWorkbook& book,
+                           std::weak_ptr<SpreadsheetApplication> application)
+    : WorkbookWindow(book, std::move(application)) {
+    Sheets = new QTabWidget(this);
+    Sheets->setObjectName("Sheets");
+    Print = new QPushButton("Print...", this);
+    Print->setObjectName("Print");
+    PrintPreview = new QPushButton("Print Preview...", this);
+    PrintPreview->setObjectName("PrintPreview");
+    SaveXlsx = new QPushButton("Save as .xlsx...", this);
+    SaveXlsx->setObjectName("SaveXlsx");
+    connect(Print, &QPushButton::clicked, this, &ReportWindow::PrintClicked);
+    connect(PrintPreview, &QPushButton::clicked, this, &ReportWindow::PrintPreviewClicked);
+    connect(SaveXlsx, &QPushButton::clicked, this, &ReportWindow::SaveXlsxClicked);
+
+    Heading->setText(
+        "The parameter report appears when the workbook's macro auto_open runs: it reads the "
+        "parameter file named on the sheet TEMP.");
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(Print);
+    buttons->addWidget(PrintPreview);
+    buttons->addWidget(SaveXlsx);
+    buttons->addStretch();
+    buttons->addWidget(Close);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(Heading);
+    layout->addWidget(Sheets, 1);
+    layout->addWidget(Status);
+    layout->addLayout(buttons);
+    EnableOutput(false);
+    resize(880, 600);
+}
+
+void ReportWindow::EnableOutput(bool enabled) {
+    for (QPushButton* button : {Print, PrintPreview, SaveXlsx}) button->setEnabled(enabled);
+}
+
+void ReportWindow::AutoOpen() {
+    if (Book() == nullptr) return;
+    const std::string cpu = Book()->TempCell(2, 1);
+    const std::string file = Book()->TempCell(3, 1);
+    const auto slash = file.find_last_of('/');
+    const std::string projectDir = slash == std::string::npos ? "" : file.substr(0, slash + 1);
+    projectDir_ = Q(projectDir);
+    title_ = "Parameter setting data";
+    subtitle_ = "CPU type " + Q(cpu) + ", project " + projectDir_;
+    try {
+        sheets_ = BuildParameterReport(ReadParameterFile(file), ReportContext(cpu, projectDir));
+    } catch (const std::exception& error) {
+        sheets_.clear();
+        Heading->setText("The parameter report cannot be shown: " + Q(error.what()));
+        ShowSheets();
+        EnableOutput(false);
+        return;
+    }
+    Book()->ReplaceSheets(sheets_);
+    Heading->setText("<b>" + title_.toHtmlEscaped() + "</b><br>" + subtitle_.toHtmlEscaped());
+    ShowSheets();
+    EnableOutput(true);
+}
+
+void ReportWindow::ShowSheets() {
+    while (Sheets->count() > 0) {
+        QWidget* page = Sheets->widget(0);
+        Sheets->removeTab(0);
+        delete page;
+    }
+    for (const Sheet& sheet : sheets_) Sheets->addTab(SheetTable(sheet, Sheets), Q(sheet.name));
+}
+
+QString ReportWindow::ReportHtml() const {
+    return Q(SheetsToHtml(sheets_, title_.toStdString(), subtitle_.toStdString()));
+}
+
+void ReportWindow::PrintTo(QPrinter& printer) const {
+    QTextDocument document;
+    QFont font = document.defaultFont();
+    font.setPointSize(10);
+    document.setDefaultFont(font);
+    document.setHtml(ReportHtml());
+    document.print(&printer);
+}
+
+void ReportWindow::SetUpPrinter(QPrinter& printer) const {
+    printer.setDocName(windowTitle());
+    // A sheet with a wide table (the M-NET/MINI modules) prints across the long side of the
+    // paper, so that its headings keep their words whole.
+    const bool wide = std::any_of(sheets_.begin(), sheets_.end(),
+                                  [](const Sheet& sheet) { return sheet.ColumnCount() > 8; });
+    printer.setPageOrientation(wide ? QPageLayout::Landscape : QPageLayout::Portrait);
+}
+
+void ReportWindow::PrintClicked() {
+    QPrinter printer(QPrinter::HighResolution);
+    SetUpPrinter(printer);
+    QPrintDialog dialog(&printer, this);
+    dialog.setObjectName("PrintDialog");
+    if (dialog.exec() == QDialog::Accepted) PrintTo(printer);
+}
+
+void ReportWindow::PrintPreviewClicked() {
+    QPrinter printer(QPrinter::HighResolution);
+    SetUpPrinter(printer);
+    QPrintPreviewDialog preview(&printer, this);
+    preview.setObjectName("PrintPreviewDialog");
+    connect(&preview, &QPrintPreviewDialog::paintRequested, this,
+            [this](QPrinter* target) { PrintTo(*target); });
+    preview.exec();
+}
+
+bool ReportWindow::SaveXlsxTo(const QString& path) {
+    try {
+        WriteXlsx(sheets_, path.toStdString());
+    } catch (const std::exception& error) {
+        Status->setText(Q(error.what()));
+        QMessageBox::warning(this, windowTitle(), Q(error.what()));
+        return false;
+    }
+    Status->setText("Saved " + path);
+    return true;
+}
+
+void ReportWindow::SaveXlsxClicked() {
+    QString suggested = Q(Book() != nullptr ? Book()->Name() : "parameters");
+    if (suggested.endsWith(".xls", Qt::CaseInsensitive)) suggested.chop(4);
+    QString path = QFileDialog::getSaveFileName(
+        this, "Save as .xlsx", projectDir_ + suggested + ".xlsx", "Spreadsheet (*.xlsx)");
+    if (path.isEmpty()) return;
+    if (!path.endsWith(".xlsx", Qt::CaseInsensitive)) path += ".xlsx";
+    SaveXlsxTo(path);
+}
+
+}  // namespace gantrix::spreadsheet
