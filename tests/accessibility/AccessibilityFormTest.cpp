@@ -185,7 +185,7 @@ TEST(Accessibility, EveryFieldOfEveryWindowHasItsOwnName) {
     // The walk reached every window a person reaches from the menu.
     for (const char* name : {"frmMenu", "frmMemory", "frmLatch", "frmTimerCounter",
                              "frmInterruptCounter", "frmIOLayout", "frmTypeNameSet", "frmStepRelay",
-                             "frmAssistance", "frmRemote", "frmMINI"}) {
+                             "frmAssistance", "frmRemote", "frmMINI", "frmNetworkMenu"}) {
         EXPECT_TRUE(windows.count(name)) << name << " was not reached";
     }
 }
