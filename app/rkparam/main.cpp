@@ -5,18 +5,18 @@
 //   rkparam [--cpu CODE] [--sub-editing N]... [--content-changed] [-v] DIR
 //
 // Exit status: 0 the parameters were saved; 1 the run ended without saving; 2 a usage
-// error, a missing or damaged project, or a runtime error.
+// error, a missing or damaged project, a project in use by another run, or a runtime error.
 
 #include <sys/stat.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "entry/GantrixA0J.h"
+#include "store/ParameterFiles.h"
 #include "store/Project.h"
 #include "store/RuntimeError.h"
 
@@ -68,16 +68,30 @@ int New(const std::vector<std::string>& args) {
     if (dir.empty()) return Usage("new needs a project directory");
     cpu = gantrix::NormalizeCpuCode(cpu);
     try {
-        gantrix::CreateProject(cpu, dir, force);
+        // The CPU note is written with the parameter file, all or none.
+        const std::string note = cpu + "\n";
+        const auto warnings = gantrix::CreateProject(
+            cpu, dir, force, {{kCpuFile, std::vector<uint8_t>(note.begin(), note.end())}});
+        for (const std::string& warning : warnings)
+            std::cerr << "rkparam: warning: " << warning << "\n";
     } catch (const gantrix::RuntimeError& error) {
         std::cerr << "rkparam: " << error.Description() << "\n";
         return kFailed;
     }
-    // Not part of the parameter files: losing it only means giving --cpu next time.
-    std::ofstream(WithSeparator(dir) + kCpuFile) << cpu << "\n";
     std::cout << "rkparam: made " << WithSeparator(dir) << "param.tmp for CPU type \"" << cpu
               << "\"\n";
     return kSaved;
+}
+
+// The CPU type noted by "rkparam new"; "" when there is no note. Anything but a regular file
+// is refused (a FIFO would block the run).
+std::string ReadCpuNote(const std::string& dir) {
+    const std::string path = WithSeparator(dir) + kCpuFile;
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) return "";
+    const std::vector<uint8_t> bytes = gantrix::ReadWholeFile(path);
+    std::string text(bytes.begin(), bytes.end());
+    return text.substr(0, text.find('\n'));
 }
 
 void PrintNotification(intptr_t hwnd, uint32_t msg, uintptr_t wParam, intptr_t lParam,
@@ -128,21 +142,33 @@ int Run(const std::vector<std::string>& args) {
         std::cerr << "rkparam: project directory \"" << dir << "\" does not exist\n";
         return kFailed;
     }
-    const std::string param = WithSeparator(dir) + "param.tmp";
-    if (::stat(param.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-        std::cerr << "rkparam: \"" << param
-                  << "\" is missing; make the project with: rkparam new --cpu CODE " << dir << "\n";
+    // Looked up as the component looks it up: "PARAM.TMP" is the project's file too.
+    std::string param = WithSeparator(dir) + "param.tmp";
+    try {
+        const std::string name = gantrix::FindEntry(param);
+        if (name.empty()) {
+            std::cerr << "rkparam: \"" << param
+                      << "\" is missing; make the project with: rkparam new --cpu CODE " << dir
+                      << "\n";
+            return kFailed;
+        }
+        param = WithSeparator(dir) + name;
+        if (::stat(param.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+            std::cerr << "rkparam: \"" << param << "\" is not a regular file\n";
+            return kFailed;
+        }
+        if (info.st_size != 3072) {
+            std::cerr << "rkparam: \"" << param << "\" holds " << info.st_size
+                      << " bytes; a parameter file holds exactly 3072\n";
+            return kFailed;
+        }
+        if (cpu.empty()) {
+            cpu = ReadCpuNote(dir);
+            if (cpu.empty()) return Usage("no CPU type: give --cpu CODE");
+        }
+    } catch (const gantrix::RuntimeError& error) {
+        std::cerr << "rkparam: " << error.Description() << "\n";
         return kFailed;
-    }
-    if (info.st_size != 3072) {
-        std::cerr << "rkparam: \"" << param << "\" holds " << info.st_size
-                  << " bytes; a parameter file holds exactly 3072\n";
-        return kFailed;
-    }
-    if (cpu.empty()) {
-        std::ifstream in(WithSeparator(dir) + kCpuFile);
-        std::getline(in, cpu);
-        if (cpu.empty()) return Usage("no CPU type: give --cpu CODE");
     }
     cpu = gantrix::NormalizeCpuCode(cpu);
     if (!gantrix::IsKnownCpuType(cpu)) {
@@ -164,11 +190,17 @@ int Run(const std::vector<std::string>& args) {
 
     int16_t saved = 0;
     const int error = RKParam_Param_main(object, &saved);
+    const std::string notice = RKParam_ErrorDescription(object);
     int status = kFailed;
     if (error != 0) {
-        std::cerr << "rkparam: " << RKParam_ErrorDescription(object) << "\n";
+        std::cerr << "rkparam: " << notice << "\n";
+    } else if (saved != 1 && !notice.empty()) {
+        // Refused before the menu opened (the project is in use or cannot be loaded), or
+        // not saved and not cleaned up: either way the user has to look.
+        std::cerr << "rkparam: " << notice << "\n";
     } else {
         status = saved == 1 ? kSaved : kNotSaved;
+        if (!notice.empty()) std::cerr << "rkparam: warning: " << notice << "\n";
         std::cout << (saved == 1 ? "rkparam: parameters saved\n"
                                  : "rkparam: parameters not saved\n");
         if (verbose) {

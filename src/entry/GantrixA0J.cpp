@@ -83,6 +83,7 @@ int RKParam_Param_main(RKParam* obj, int16_t* result) {
     try {
         const int16_t saved = obj->object.Param_main();
         if (result) *result = saved;
+        obj->error = obj->object.Notice();
         return 0;
     } catch (const gantrix::RuntimeError& error) {
         obj->error = error.Description();

@@ -41,7 +41,12 @@ intptr_t RKParam_Get_hParentWnd(const RKParam* obj);
 void RKParam_Let_hParentWnd(RKParam* obj, intptr_t value);
 
 /* 0 on success with 1 (saved) or 0 in *result; non-zero on a runtime error, whose text
- * RKParam_ErrorDescription returns (valid until the next call of Param_main). */
+ * RKParam_ErrorDescription returns (valid until the next call of Param_main). An empty
+ * ProjectName is such an error. A run refused before its menu opens (the project is in use
+ * by another run, or its "param.tmp" exists but cannot be loaded whole) returns 0 with 0 in
+ * *result, and RKParam_ErrorDescription gives the reason, as its message box showed it; after
+ * a run that saved but could not clean up after itself, it gives those warnings. Otherwise
+ * it is empty. */
 int RKParam_Param_main(RKParam* obj, int16_t* result);
 const char* RKParam_ErrorDescription(const RKParam* obj);
 

@@ -11,6 +11,8 @@
 #include "platform/rkcmnt/rkcmnt.h"
 #include "platform/user32/user32.h"
 #include "store/ParameterFiles.h"
+#include "store/ProjectLock.h"
+#include "store/RuntimeError.h"
 
 namespace gantrix {
 
@@ -42,22 +44,51 @@ std::vector<char> Buffer(const std::string& text) {
     return buffer;
 }
 
+std::string Lines(const std::vector<std::string>& lines) {
+    std::string text;
+    for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+    return text;
+}
+
 }  // namespace
 
+int16_t RKParam::Refuse(const std::string& reason) {
+    notice_ = reason + "\nThe parameter menu was not opened and no file was changed.";
+    // A box of its own state: a refused run changes nothing of the process's module state,
+    // which may belong to a run still open.
+    ModuleState box;
+    box.HostWnd = hParentWnd;
+    box.Presenter = ProcessModuleState().Presenter;
+    box.PendingErrorDescription = notice_;
+    ShowMessage(box, 0);
+    return 0;
+}
+
 int16_t RKParam::Param_main() {
+    notice_.clear();
     EnsureApplication();
     ModuleState& s = ProcessModuleState();
     if (s.Presenter == nullptr) s.Presenter = &QtMessagePresenter::Instance();
 
-    // 1-3: the menu, with its captions; it centres itself when shown.
-    auto menu = std::make_unique<frmMenu>(s);
-    s.HostWnd = hParentWnd;
+    // 4: the project directory always ends in its separator. An empty name would make that
+    // the root directory, where the run would look for and delete working files.
+    if (ProjectName.empty()) {
+        throw RuntimeError(kErrPathNotFound, "No project directory: ProjectName is empty");
+    }
+    if (ProjectName.back() != '/') ProjectName += '/';
 
-    // 4: the project directory always ends in its separator.
-    if (ProjectName.empty() || ProjectName.back() != '/') ProjectName += '/';
+    // The run holds its project to the end.
+    ProjectLock lock(ProjectName);
+    if (!lock.Held()) {
+        return Refuse("The project \"" + ProjectName +
+                      "\" is in use by another run of the parameter mode.");
+    }
 
-    // 5: the image and the END positions of the programs.
-    if (LoadParameter(ProjectName + kParamTmp, s.image) == 0) {
+    // 5: the image and the END positions of the programs. A "param.tmp" that cannot be
+    // loaded whole ends the run here, so that nothing is saved over it.
+    const ParamLoad load = LoadParamTmp(ProjectName, s.image);
+    if (!load.refusal.empty()) return Refuse(load.refusal);
+    if (load.loaded) {
         auto cpuText = Buffer(std::string(10, ' '));
         int16_t value = 0;
         int16_t endPosition[4] = {0, 0, 0, 0};
@@ -65,6 +96,12 @@ int16_t RKParam::Param_main() {
         s.CpuType = cpuText.data();
         for (int i = 0; i < 4; ++i) s.EndPosition[i] = endPosition[i];
     }
+    // What a killed run left half-written goes now that this run holds the project.
+    RemoveStaleParts(ProjectName);
+
+    // 1-3: the menu, with its captions; it centres itself when shown.
+    auto menu = std::make_unique<frmMenu>(s);
+    s.HostWnd = hParentWnd;
 
     // 6-8: the run's module state and the library's.
     s.CpuType = szPcName;
@@ -86,17 +123,38 @@ int16_t RKParam::Param_main() {
         for (int item : {2, 3, 5}) menu->MenuItem[item]->setEnabled(false);
     }
 
-    // 10-11: working copies, then the menu until it is closed.
+    // 10-14: working copies, the menu until it is closed, the change flag back to the host,
+    // save or not; the working files go on every way out.
     s.SaveRequested = false;
-    CopyWorkFiles(s);
-    menu->exec();
-
-    // 12-15: the change flag back to the host, save or not, clean up.
+    struct EndOfRun {  // 15, on every way out
+        ModuleState& state;
+        std::unique_ptr<frmMenu>& form;
+        ~EndOfRun() {
+            form.reset();
+            state.SaveRequested = false;
+        }
+    } endOfRun{s, menu};
+    try {
+        CopyWorkFiles(s);
+        menu->exec();
+    } catch (const RuntimeError& error) {
+        const std::vector<std::string> failures = DeleteWorkFiles(s);
+        if (failures.empty()) throw;
+        throw RuntimeError(error.Number(), error.Description() + "\n" + Lines(failures));
+    } catch (...) {
+        DeleteWorkFiles(s);
+        throw;
+    }
     ContentChangeFlag = s.ContentChangeFlag;
     const bool save = s.SaveRequested;
-    FinishRunFiles(s, save);
-    menu.reset();
-    s.SaveRequested = false;
+    const std::vector<std::string> warnings = FinishRunFiles(s, save);
+
+    if (!warnings.empty()) {
+        notice_ = (save ? "The parameters were saved, but:\n" : "") + Lines(warnings);
+        s.PendingErrorDescription = notice_;
+        ShowMessage(s, 0);
+        s.PendingErrorDescription.clear();
+    }
     return save ? 1 : 0;
 }
 

@@ -22,8 +22,20 @@ class RKParam {
     intptr_t hParentWnd = 0;  // receives WM_COMMAND 60000
 
     // 1 when "param.tmp" was rewritten, 0 otherwise. A runtime error (a failing file
-    // operation, a device size that does not fit) is thrown to the caller.
+    // operation, a device size that does not fit) is thrown to the caller. A run refused
+    // before the menu opens (the project is in use by another run, or its "param.tmp"
+    // cannot be loaded whole) shows the reason in a box and returns 0 without touching a
+    // file.
     int16_t Param_main();
+
+    // After Param_main returned: the reason a run was refused, or the warnings of a run
+    // whose clean-up after the save failed (each naming its file); empty otherwise.
+    const std::string& Notice() const { return notice_; }
+
+  private:
+    int16_t Refuse(const std::string& reason);
+
+    std::string notice_;
 };
 
 // The state shared by every call in this process: hosts expect one image per process.

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <string_view>
 
 #include "platform/rkcmnt/rkcmnt.h"
 #include "store/CheckSum.h"
@@ -32,9 +33,58 @@ std::pair<std::string, std::string> SplitPath(const std::string& path) {
     return {path.substr(0, slash + 1), path.substr(slash + 1)};
 }
 
-bool IsRegularFile(const std::string& path) {
+// stat() that tells a missing entry (false) from a failure to look (raises).
+bool StatEntry(const std::string& path, struct stat& info, bool followLinks) {
+    const int result = followLinks ? ::stat(path.c_str(), &info) : ::lstat(path.c_str(), &info);
+    if (result == 0) return true;
+    if (errno == ENOENT || errno == ENOTDIR) return false;
+    throw FileError("Cannot read", path, errno);
+}
+
+// The spelling of the entry at path: the exact name when it is there, else the first entry
+// of the directory whose name matches without regard to case. regularOnly skips everything
+// but regular files (links followed), as Dir does.
+std::string Lookup(const std::string& path, bool regularOnly) {
+    const auto [directory, name] = SplitPath(path);
+    if (name.empty()) return "";
     struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
+    if (StatEntry(path, info, true)) {
+        if (!regularOnly || S_ISREG(info.st_mode)) return name;
+    } else if (!regularOnly && StatEntry(path, info, false)) {
+        return name;  // a link to nothing
+    }
+    const std::string listed = directory.empty() ? "." : directory;
+    DIR* dir = ::opendir(listed.c_str());
+    if (dir == nullptr) {
+        if (errno == ENOENT || errno == ENOTDIR) return "";
+        throw FileError("Cannot read the directory", listed, errno);
+    }
+    const std::string wanted = Lower(name);
+    std::string found;
+    int error = 0;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(dir);
+        if (entry == nullptr) {
+            error = errno;
+            break;
+        }
+        if (entry->d_name == name || Lower(entry->d_name) != wanted) continue;
+        const std::string candidate = directory + entry->d_name;
+        try {
+            if (regularOnly ? StatEntry(candidate, info, true) && S_ISREG(info.st_mode)
+                            : StatEntry(candidate, info, false)) {
+                found = entry->d_name;
+                break;
+            }
+        } catch (...) {
+            ::closedir(dir);
+            throw;
+        }
+    }
+    ::closedir(dir);
+    if (error != 0) throw FileError("Cannot read the directory", listed, error);
+    return found;
 }
 
 // write() until done; false with errno set on failure.
@@ -55,54 +105,111 @@ std::vector<uint8_t> ImageBytes(const StoreState& state) {
     return {state.image.bytes().begin(), state.image.bytes().end()};
 }
 
+// The file a write to path replaces: path itself, or the end of the chain of symbolic links
+// that starts there (a link to nothing leads to the file to be made). info receives the
+// target's own status; st_mode 0 when it does not exist yet.
+std::string ResolveLinks(const std::string& path, struct stat& info) {
+    std::string current = path;
+    for (int depth = 0; depth < 40; ++depth) {
+        info = {};
+        if (!StatEntry(current, info, false)) {
+            info = {};
+            return current;
+        }
+        if (!S_ISLNK(info.st_mode)) return current;
+        char link[PATH_MAX];
+        const ssize_t n = ::readlink(current.c_str(), link, sizeof link);
+        if (n < 0) throw FileError("Cannot write", path, errno);
+        if (static_cast<size_t>(n) == sizeof link) {
+            throw FileError("Cannot write", path, ENAMETOOLONG);
+        }
+        const std::string next(link, static_cast<size_t>(n));
+        current = next.front() == '/' ? next : SplitPath(current).first + next;
+    }
+    throw FileError("Cannot write", path, ELOOP);
+}
+
+// ".<name>.<pid>.<n>.part", the temporary name StagedFile gives.
+bool IsPartName(const std::string& name) {
+    static constexpr std::string_view kSuffix = ".part";
+    if (name.size() < 2 + kSuffix.size() || name.front() != '.' ||
+        name.compare(name.size() - kSuffix.size(), kSuffix.size(), kSuffix) != 0) {
+        return false;
+    }
+    // Two dot-separated runs of digits before the suffix.
+    size_t end = name.size() - kSuffix.size();
+    for (int field = 0; field < 2; ++field) {
+        size_t begin = end;
+        while (begin > 0 && std::isdigit(static_cast<unsigned char>(name[begin - 1]))) --begin;
+        if (begin == end || begin < 2 || name[begin - 1] != '.') return false;
+        end = begin - 1;
+    }
+    return end > 1;  // a name of at least one character after the leading dot
+}
+
 }  // namespace
 
 std::string Dir(const std::string& path) {
-    const auto [directory, name] = SplitPath(path);
-    if (name.empty()) return "";
-    if (IsRegularFile(path)) return name;
-    DIR* dir = ::opendir(directory.empty() ? "." : directory.c_str());
-    if (dir == nullptr) return "";
-    std::string found;
-    const std::string wanted = Lower(name);
-    while (const dirent* entry = ::readdir(dir)) {
-        if (Lower(entry->d_name) == wanted && IsRegularFile(directory + entry->d_name)) {
-            found = entry->d_name;
-            break;
-        }
+    return Lookup(path, true);
+}
+
+std::string FindEntry(const std::string& path) {
+    return Lookup(path, false);
+}
+
+StagedFile::StagedFile(const std::string& path, const std::vector<uint8_t>& bytes) : path_(path) {
+    static std::atomic<unsigned> counter{0};
+    struct stat info {};
+    target_ = ResolveLinks(path, info);
+    const auto [directory, name] = SplitPath(target_);
+    temp_ = directory + "." + name + "." + std::to_string(::getpid()) + "." +
+            std::to_string(counter++) + ".part";
+    // Keep the mode of a file being replaced; a new file gets the usual mode less umask.
+    const bool replacing = info.st_mode != 0;
+    const mode_t mode = replacing ? info.st_mode & 07777 : 0666;
+    const int fd = ::open(temp_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (fd < 0) throw FileError("Cannot write", path, errno);
+    const bool written = (!replacing || ::fchmod(fd, mode) == 0) &&
+                         WriteAll(fd, bytes.data(), bytes.size()) && ::fdatasync(fd) == 0;
+    const int writeError = errno;
+    // A file system may report a failed write only when the file is closed.
+    const bool closed = ::close(fd) == 0;
+    if (!written || !closed) {
+        const int error = written ? errno : writeError;
+        ::unlink(temp_.c_str());
+        throw FileError("Cannot write", path, error);
     }
-    ::closedir(dir);
-    return found;
+}
+
+StagedFile::~StagedFile() {
+    if (!committed_) ::unlink(temp_.c_str());
+}
+
+void StagedFile::Commit() {
+    if (::rename(temp_.c_str(), target_.c_str()) != 0) {
+        throw FileError("Cannot write", path_, errno);
+    }
+    committed_ = true;
 }
 
 void WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes) {
-    static std::atomic<unsigned> counter{0};
-    const auto [directory, name] = SplitPath(path);
-    const std::string temp = directory + "." + name + "." + std::to_string(::getpid()) + "." +
-                             std::to_string(counter++) + ".part";
-    // Keep the mode of a file being replaced; a new file gets the usual mode less umask.
-    mode_t mode = 0666;
-    struct stat info {};
-    if (::stat(path.c_str(), &info) == 0) mode = info.st_mode & 07777;
-    const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (fd < 0) throw FileError("Cannot write", path, errno);
-    if (info.st_mode != 0) ::fchmod(fd, mode);
-    if (!WriteAll(fd, bytes.data(), bytes.size()) || ::fdatasync(fd) != 0) {
-        const int error = errno;
-        ::close(fd);
-        ::unlink(temp.c_str());
-        throw FileError("Cannot write", path, error);
-    }
-    if (::close(fd) != 0 || ::rename(temp.c_str(), path.c_str()) != 0) {
-        const int error = errno;
-        ::unlink(temp.c_str());
-        throw FileError("Cannot write", path, error);
-    }
+    StagedFile(path, bytes).Commit();
 }
 
 std::vector<uint8_t> ReadWholeFile(const std::string& path) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    // Not blocking on a FIFO: it is refused below like every other kind of file.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (fd < 0) throw FileError("Cannot read", path, errno);
+    struct stat info {};
+    if (::fstat(fd, &info) != 0) {
+        const int error = errno;
+        ::close(fd);
+        throw FileError("Cannot read", path, error);
+    }
+    if (!S_ISREG(info.st_mode)) {
+        ::close(fd);
+        throw RuntimeError(kErrPathFileAccess, "Cannot read \"" + path + "\": not a regular file");
+    }
     std::vector<uint8_t> bytes;
     uint8_t buffer[8192];
     for (;;) {
@@ -126,6 +233,16 @@ void CopyFileAtomically(const std::string& from, const std::string& to) {
 
 void RemoveFile(const std::string& path) {
     if (::unlink(path.c_str()) != 0) throw FileError("Cannot delete", path, errno);
+}
+
+void SyncDirectory(const std::string& directory) {
+    const int fd = ::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (fd < 0) throw FileError("Cannot sync the directory", directory, errno);
+    // EINVAL: a file system that has nothing to sync for directories.
+    const bool synced = ::fsync(fd) == 0 || errno == EINVAL;
+    const int error = errno;
+    ::close(fd);
+    if (!synced) throw FileError("Cannot sync the directory", directory, error);
 }
 
 void SaveParameterFile(const StoreState& state, const std::string& name) {
@@ -223,7 +340,37 @@ bool ClearAllParameters(StoreState& state, const std::function<std::string(int)>
     return true;
 }
 
-void DeleteWorkFiles(const StoreState& state) {
+ParamLoad LoadParamTmp(const std::string& projectDir, ParameterImage& image) {
+    std::string name;
+    try {
+        name = FindEntry(projectDir + kParamTmp);
+    } catch (const RuntimeError& error) {
+        return {false, error.Description()};
+    }
+    const std::string path = projectDir + (name.empty() ? std::string(kParamTmp) : name);
+    const int32_t result = LoadParameter(path, image);
+    if (result == kRkLoadOk) return {true, ""};
+    if (name.empty()) return {false, ""};
+    // The library gives only a code; say what is wrong with the file in the user's terms.
+    const std::string quoted = "\"" + path + "\"";
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0)
+        return {false, FileError("Cannot load", path, errno).Description()};
+    if (!S_ISREG(info.st_mode)) return {false, "Cannot load " + quoted + ": not a regular file"};
+    if (info.st_size != kImageSize) {
+        return {false, "Cannot load " + quoted + ": it holds " + std::to_string(info.st_size) +
+                           " bytes; a parameter file holds " + std::to_string(kImageSize)};
+    }
+    try {
+        ReadWholeFile(path);
+    } catch (const RuntimeError& error) {
+        return {false, error.Description()};
+    }
+    return {false,
+            "Cannot load " + quoted + ": reading it failed (code " + std::to_string(result) + ")"};
+}
+
+std::vector<std::string> DeleteWorkFiles(const StoreState& state) {
     struct WorkFile {
         const char* name;
         bool exact;  // compared exactly, else in lower case
@@ -231,11 +378,40 @@ void DeleteWorkFiles(const StoreState& state) {
     static constexpr WorkFile kFiles[] = {{"param.$$p", true},    {"temp.dat", false},
                                           {"netpara.$$$", true},  {"param.$$$", true},
                                           {"netpara.net", false}, {"param.net", false}};
+    std::vector<std::string> failures;
     for (const WorkFile& file : kFiles) {
-        const std::string found = Dir(state.ProjectDir + file.name);
-        if (file.exact ? found == file.name : Lower(found) == file.name) {
-            RemoveFile(state.ProjectDir + found);
+        const std::string exact = state.ProjectDir + file.name;
+        // The exact name is removed without a lookup first, so that a failing lookup cannot
+        // leave it behind; ENOENT and EISDIR mean there is no such file.
+        if (::unlink(exact.c_str()) == 0) continue;
+        if (errno != ENOENT && errno != EISDIR) {
+            failures.push_back(FileError("Cannot delete", exact, errno).Description());
+            continue;
         }
+        if (file.exact) continue;
+        try {
+            const std::string found = Dir(exact);
+            if (Lower(found) == file.name) RemoveFile(state.ProjectDir + found);
+        } catch (const RuntimeError& error) {
+            failures.push_back(error.Description());
+        }
+    }
+    return failures;
+}
+
+void RemoveStaleParts(const std::string& projectDir) {
+    // Best effort: a part that stays is only clutter, and the next run tries again.
+    DIR* dir = ::opendir(projectDir.c_str());
+    if (dir == nullptr) return;
+    std::vector<std::string> stale;
+    while (const dirent* entry = ::readdir(dir)) {
+        if (IsPartName(entry->d_name)) stale.emplace_back(entry->d_name);
+    }
+    ::closedir(dir);
+    for (const std::string& name : stale) {
+        struct stat info {};
+        const std::string path = projectDir + name;
+        if (::lstat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode)) ::unlink(path.c_str());
     }
 }
 
@@ -249,19 +425,48 @@ void CopyWorkFiles(const StoreState& state) {
     }
 }
 
-void FinishRunFiles(StoreState& state, bool save) {
+std::vector<std::string> SaveRunFiles(StoreState& state) {
     const std::string& dir = state.ProjectDir;
-    if (save) {
-        SetCheckSum(state.image, state.CpuType, state.NetworkSumValid);
-        SaveParameterTemp(state);
-        if (Dir(dir + kNetparaWork) == kNetparaWork) {
-            CopyFileAtomically(dir + kNetparaWork, dir + kNetparaTmp);
-        } else {
-            const std::string netpara = Dir(dir + kNetparaTmp);
-            if (Lower(netpara) == kNetparaTmp) RemoveFile(dir + netpara);
+    SetCheckSum(state.image, state.CpuType, state.NetworkSumValid);
+    // An existing file is replaced under its own spelling ("PARAM.TMP" stays one file).
+    const std::string paramName = Dir(dir + kParamTmp);
+    StagedFile param(dir + (paramName.empty() ? std::string(kParamTmp) : paramName),
+                     ImageBytes(state));
+    const std::string netparaName = Dir(dir + kNetparaTmp);
+    const std::string netpara =
+        dir + (Lower(netparaName) == kNetparaTmp ? netparaName : std::string(kNetparaTmp));
+    if (Dir(dir + kNetparaWork) == kNetparaWork) {
+        StagedFile(netpara, ReadWholeFile(dir + kNetparaWork)).Commit();
+    } else if (Lower(netparaName) == kNetparaTmp) {
+        RemoveFile(netpara);
+    }
+    // "param.tmp" commits last: from here the parameters are saved.
+    param.Commit();
+    std::vector<std::string> warnings;
+    std::vector<std::string> directories{SplitPath(param.Target()).first};
+    if (directories.front() != dir) directories.push_back(dir);
+    for (const std::string& directory : directories) {
+        try {
+            SyncDirectory(directory.empty() ? "." : directory);
+        } catch (const RuntimeError& error) {
+            warnings.push_back(error.Description() + " (\"" + param.Target() +
+                               "\" is saved but may not survive a power loss)");
         }
     }
-    DeleteWorkFiles(state);
+    return warnings;
+}
+
+std::vector<std::string> FinishRunFiles(StoreState& state, bool save) {
+    std::vector<std::string> warnings;
+    try {
+        if (save) warnings = SaveRunFiles(state);
+    } catch (const RuntimeError& error) {
+        std::string description = error.Description();
+        for (const std::string& failure : DeleteWorkFiles(state)) description += "\n" + failure;
+        throw RuntimeError(error.Number(), description);
+    }
+    for (std::string& failure : DeleteWorkFiles(state)) warnings.push_back(std::move(failure));
+    return warnings;
 }
 
 }  // namespace gantrix

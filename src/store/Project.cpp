@@ -4,11 +4,14 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/rkcmnt/DeviceTable.h"
 #include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
+#include "store/ProjectLock.h"
 #include "store/RuntimeError.h"
 
 namespace gantrix {
@@ -60,7 +63,8 @@ bool IsKnownCpuType(const std::string& code) {
     return platform::FindDeviceSizes(code) != nullptr;
 }
 
-void CreateProject(const std::string& cpuType, const std::string& directory, bool force) {
+std::vector<std::string> CreateProject(const std::string& cpuType, const std::string& directory,
+                                       bool force, const std::vector<ProjectFile>& alongside) {
     if (!IsKnownCpuType(cpuType)) {
         throw RuntimeError(kErrPathFileAccess, "Unknown CPU type \"" + cpuType +
                                                    "\": expected one of A0J A0H A1S A1 A2C A2 "
@@ -69,16 +73,33 @@ void CreateProject(const std::string& cpuType, const std::string& directory, boo
     if (directory.empty()) throw RuntimeError(kErrPathNotFound, "No project directory given");
     std::string dir = directory;
     if (dir.back() != '/') dir += '/';
-    const std::string target = dir + kParamTmp;
-    struct stat info {};
-    if (!force && ::stat(target.c_str(), &info) == 0) {
-        throw RuntimeError(kErrFileAlreadyOpen, "\"" + target +
+    const std::string existing = FindEntry(dir + kParamTmp);
+    if (!force && !existing.empty()) {
+        throw RuntimeError(kErrFileAlreadyOpen, "\"" + dir + existing +
                                                     "\" exists already; use --force to "
                                                     "replace it with the defaults");
+    }
+    // What each file alongside held before, to put back when "param.tmp" cannot be written.
+    std::vector<std::optional<std::vector<uint8_t>>> previous;
+    for (const ProjectFile& file : alongside) {
+        const std::string path = dir + file.name;
+        struct stat info {};
+        if (::lstat(path.c_str(), &info) != 0) {
+            if (errno != ENOENT && errno != ENOTDIR) throw FileError("Cannot read", path, errno);
+            previous.emplace_back();
+            continue;
+        }
+        previous.emplace_back(ReadWholeFile(path));  // refuses a FIFO, a directory, ...
     }
 
     const std::vector<std::string> created = MakeDirectories(directory);
     try {
+        ProjectLock lock(dir);
+        if (!lock.Held()) {
+            throw RuntimeError(
+                kErrFileAlreadyOpen,
+                "The project \"" + dir + "\" is in use by a run of the parameter mode");
+        }
         StoreState state;
         state.CpuType = cpuType;
         state.CpuCode = CpuCodeOf(cpuType);
@@ -87,7 +108,37 @@ void CreateProject(const std::string& cpuType, const std::string& directory, boo
             throw RuntimeError(kErrPathFileAccess, "No default parameters for \"" + cpuType + "\"");
         }
         SetCheckSum(state.image, state.CpuType, false);
-        SaveParameterTemp(state);
+        StagedFile param(dir + (existing.empty() ? std::string(kParamTmp) : existing),
+                         {state.image.bytes().begin(), state.image.bytes().end()});
+        std::vector<std::unique_ptr<StagedFile>> staged;
+        for (const ProjectFile& file : alongside) {
+            staged.push_back(std::make_unique<StagedFile>(dir + file.name, file.bytes));
+        }
+        size_t committed = 0;
+        try {
+            for (; committed < staged.size(); ++committed) staged[committed]->Commit();
+            param.Commit();
+        } catch (...) {
+            for (size_t i = 0; i < committed; ++i) {
+                const std::string path = dir + alongside[i].name;
+                try {
+                    if (previous[i]) {
+                        WriteFileAtomically(path, *previous[i]);
+                    } else {
+                        RemoveFile(path);
+                    }
+                } catch (const RuntimeError&) {
+                    // The failure of "param.tmp" is the one to report.
+                }
+            }
+            throw;
+        }
+        try {
+            SyncDirectory(dir);
+        } catch (const RuntimeError& error) {
+            return {error.Description() + " (the project may not survive a power loss)"};
+        }
+        return {};
     } catch (...) {
         for (auto it = created.rbegin(); it != created.rend(); ++it) ::rmdir(it->c_str());
         throw;

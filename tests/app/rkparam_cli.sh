@@ -2,6 +2,7 @@
 # The host program's command line: project creation, refusals and exit statuses.
 set -u
 rkparam="$1"
+shim="$2"  # the file-call fault injector, for LD_PRELOAD
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
 failures=0
@@ -53,6 +54,28 @@ timeout 5 "$rkparam" -v "$work/verbose" >"$work/out" 2>"$work/err"
 [ $? -eq 124 ] || fail "-v run: the menu should still be waiting ($(cat "$work/err"))"
 grep -q 'msg=0x111 wParam=60000 lParam=&0 (sent)' "$work/out" \
     || fail "-v prints the activation notification (CPU type read from rkparam.cpu): $(cat "$work/out")"
+
+# "new" writes "rkparam.cpu" with "param.tmp", all or none: a full disk at the note fails.
+faulty() {  # errno, operation, name, directory, command...: the first matching call fails
+    local error=$1 op=$2 name=$3 dir=$4
+    shift 4
+    # The injector comes first in the process; a sanitizer build has to be told that is fine.
+    LD_PRELOAD="$shim" ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}verify_asan_link_order=0" \
+        GANTRIX_FAULT_DIR="$dir" GANTRIX_FAULT_AT=1 GANTRIX_FAULT_ERRNO="$error" \
+        GANTRIX_FAULT_OP="$op" GANTRIX_FAULT_NAME="$name" "$@"
+}
+expect_status 2 "new on a disk full at rkparam.cpu" \
+    faulty ENOSPC write rkparam.cpu "$work/full" "$rkparam" new --cpu A3 "$work/full/proj"
+grep -q 'rkparam.cpu.*No space left' "$work/err" || fail "the full disk names rkparam.cpu: $(cat "$work/err")"
+[ ! -e "$work/full" ] || fail "a failed new leaves nothing behind: $(ls -A "$work/full")"
+
+# A FIFO named "rkparam.cpu" is refused, not waited on.
+"$rkparam" new --cpu A3 "$work/fifo" >/dev/null
+rm "$work/fifo/rkparam.cpu" && mkfifo "$work/fifo/rkparam.cpu"
+expect_status 2 "a run with a FIFO as rkparam.cpu" timeout 10 "$rkparam" "$work/fifo"
+grep -q 'rkparam.cpu.*not a regular file' "$work/err" || fail "the FIFO is named: $(cat "$work/err")"
+expect_status 2 "new --force over a FIFO" timeout 10 "$rkparam" new --force --cpu A3 "$work/fifo"
+[ -p "$work/fifo/rkparam.cpu" ] || fail "the refused new leaves the FIFO as it was"
 
 expect_status 2 "no arguments" "$rkparam"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"

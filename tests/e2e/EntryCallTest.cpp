@@ -1,16 +1,25 @@
 #include <gtest/gtest.h>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <QApplication>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
-
+#include <QTimer>
 #include <csignal>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
 
 #include "common/ModuleState.h"
 #include "entry/GantrixA0J.h"
 #include "entry/RKParam.h"
 #include "store/CheckSum.h"
+#include "store/ProjectLock.h"
 #include "support/ModalDriver.h"
 #include "support/core/TestSupport.h"
 
@@ -255,6 +264,176 @@ TEST(EntryCall, AFailingSaveReachesTheHostAndKeepsTheProjectFile) {
               std::string::npos)
         << RKParam_ErrorDescription(run.object);
     EXPECT_EQ(project.Read("param.tmp"), before);
+    // The working files go on this way out too, and no temporary file stays.
+    for (const char* name : kWorkFiles) EXPECT_FALSE(project.Exists(name)) << name;
+    EXPECT_EQ(project.List(), std::vector<std::string>{"param.tmp"});
+}
+
+// The regular files of a directory with their bytes, and the names of the others.
+std::map<std::string, std::vector<uint8_t>> Snapshot(const test::TempDir& dir) {
+    std::map<std::string, std::vector<uint8_t>> files;
+    for (const std::string& name : dir.List()) {
+        struct stat info {};
+        const bool regular = ::lstat(dir.File(name).c_str(), &info) == 0 && S_ISREG(info.st_mode);
+        files[name] = regular ? dir.Read(name) : std::vector<uint8_t>{};
+    }
+    return files;
+}
+
+TEST(EntryCall, AProjectThatCannotBeLoadedWholeOrIsInUseIsRefusedUntouched) {
+    // Each case spoils the project; what it returns is kept for the length of the run.
+    struct Case {
+        const char* what;
+        std::function<std::shared_ptr<void>(const TempProject&)> spoil;
+        const char* reason;
+    };
+    const Case cases[] = {
+        {"too short",
+         [](const TempProject& p) {
+             p.Write("param.tmp", std::vector<uint8_t>(100, 1));
+             return nullptr;
+         },
+         "holds 100 bytes"},
+        {"a directory",
+         [](const TempProject& p) {
+             ::unlink(p.File("param.tmp").c_str());
+             ::mkdir(p.File("param.tmp").c_str(), 0755);
+             return nullptr;
+         },
+         "not a regular file"},
+        {"a FIFO",
+         [](const TempProject& p) {
+             ::unlink(p.File("param.tmp").c_str());
+             ::mkfifo(p.File("param.tmp").c_str(), 0644);
+             return nullptr;
+         },
+         "not a regular file"},
+        {"a link to nothing",
+         [](const TempProject& p) {
+             ::unlink(p.File("param.tmp").c_str());
+             [[maybe_unused]] int linked = ::symlink("gone.tmp", p.File("param.tmp").c_str());
+             return nullptr;
+         },
+         "No such file"},
+        {"in use by another run",
+         [](const TempProject& p) { return std::make_shared<ProjectLock>(p.Path()); },
+         "in use by another run"},
+    };
+    // Each refused run comes after a run on another project, whose image the process holds.
+    TempProject other("A3 ");
+    {
+        HostRun run(other);
+        ModalDriver driver;
+        driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+        run.Call(driver);
+        ASSERT_EQ(run.result, 1);
+    }
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        TempProject project("A3 ");
+        project.Write("temp.dat", {1});
+        const auto held = c.spoil(project);
+        const auto before = Snapshot(project);
+        HostRun run(project);
+        ModalDriver driver;  // a menu that opened would time the driver out
+        std::string shown;
+        driver.On("MessageBox", [&](QWidget* box) {
+            shown = qobject_cast<QMessageBox*>(box)->text().toStdString();
+            test::ChildAs<QPushButton>(box, "OK")->click();
+        });
+        run.Call(driver);
+        EXPECT_EQ(run.status, 0);
+        EXPECT_EQ(run.result, 0);
+        const std::string description = RKParam_ErrorDescription(run.object);
+        EXPECT_EQ(description, shown);
+        EXPECT_NE(description.find(c.reason), std::string::npos) << description;
+        EXPECT_NE(description.find(project.Path()), std::string::npos) << description;
+        EXPECT_EQ(Snapshot(project), before);
+    }
+}
+
+TEST(EntryCall, AParamTmpSpelledInCapitalsIsLoadedAndSavedWhereItIs) {
+    TempProject project("A3 ");
+    ParameterImage image = project.ParamTmp();
+    image[300] = 5;
+    image[525] ^= 0xFF;
+    ::unlink(project.File("param.tmp").c_str());
+    project.Write("PARAM.TMP", {image.bytes().begin(), image.bytes().end()});
+    HostRun run(project);
+    ModalDriver driver;
+    driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+    run.Call(driver);
+    EXPECT_EQ(run.result, 1);
+    SetCheckSum(image, "A3 ", false);
+    EXPECT_EQ(project.List(), std::vector<std::string>{"PARAM.TMP"});
+    EXPECT_EQ(project.Read("PARAM.TMP"),
+              std::vector<uint8_t>(image.bytes().begin(), image.bytes().end()));
+}
+
+TEST(EntryCall, ALinkedParamTmpUpdatesItsTargetAndStaysALink) {
+    TempProject project("A3 ");
+    ParameterImage image = project.ParamTmp();
+    image[300] = 6;
+    image[525] ^= 0xFF;
+    ::mkdir(project.File("store").c_str(), 0755);
+    project.Write("store/line1.prm", {image.bytes().begin(), image.bytes().end()});
+    ::unlink(project.File("param.tmp").c_str());
+    ASSERT_EQ(::symlink("store/line1.prm", project.File("param.tmp").c_str()), 0);
+    HostRun run(project);
+    ModalDriver driver;
+    driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+    run.Call(driver);
+    EXPECT_EQ(run.result, 1);
+    SetCheckSum(image, "A3 ", false);
+    EXPECT_EQ(project.Read("store/line1.prm"),
+              std::vector<uint8_t>(image.bytes().begin(), image.bytes().end()));
+    char target[64] = {};
+    EXPECT_GT(::readlink(project.File("param.tmp").c_str(), target, sizeof target - 1), 0);
+    EXPECT_STREQ(target, "store/line1.prm");
+    EXPECT_EQ(project.List(), (std::vector<std::string>{"param.tmp", "store"}));
+    // The temporary file was written beside the target, and is gone.
+    std::vector<std::string> stored;
+    for (const auto& entry : std::filesystem::directory_iterator(project.File("store"))) {
+        stored.push_back(entry.path().filename().string());
+    }
+    EXPECT_EQ(stored, std::vector<std::string>{"line1.prm"});
+}
+
+TEST(EntryCall, AnEmptyProjectNameIsAnErrorThatTouchesNothing) {
+    ::RKParam* object = RKParam_Create();
+    RKParam_Let_szPcName(object, "A3 ");
+    RKParam_Let_ProjectName(object, "");
+    // A menu that opened (on the root directory) is closed after a while instead of waiting.
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(&guard, &QTimer::timeout, [] {
+        if (auto* menu = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+            menu->done(QDialog::Rejected);
+        }
+    });
+    guard.start(5000);
+    int16_t result = -1;
+    const int status = RKParam_Param_main(object, &result);
+    EXPECT_NE(status, 0);
+    EXPECT_NE(std::string(RKParam_ErrorDescription(object)).find("ProjectName"), std::string::npos);
+    EXPECT_EQ(std::string(RKParam_Get_ProjectName(object)), "");
+    RKParam_Release(object);
+}
+
+TEST(EntryCall, TemporaryFilesOfAKilledWriterGoWithTheNextRun) {
+    TempProject project("A2U");
+    for (const char* name : {".param.tmp.4242.0.part", ".netpara.$$$.77.13.part", "notes.part",
+                             ".notes.part", ".a.b.1.part"}) {
+        project.Write(name, {1});
+    }
+    HostRun run(project);
+    ModalDriver driver;
+    driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_Escape); });
+    run.Call(driver);
+    EXPECT_EQ(run.result, 0);
+    // Only the names such a writer gives: ".<name>.<pid>.<n>.part".
+    EXPECT_EQ(project.List(),
+              (std::vector<std::string>{".a.b.1.part", ".notes.part", "notes.part", "param.tmp"}));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
 #include "store/Project.h"
+#include "store/ProjectLock.h"
 #include "store/RuntimeError.h"
 #include "support/core/TestSupport.h"
 
@@ -259,6 +260,74 @@ TEST(CreateProject, BadInputLeavesNothingBehind) {
         EXPECT_THROW(CreateProject("A3 ", dir.Path() + "full/p", false), RuntimeError);
     }
     EXPECT_FALSE(dir.Exists("full"));
+}
+
+TEST(CreateProject, WritesTheFilesAlongsideAllOrNone) {
+    TempDir dir;
+    const std::string project = dir.Path() + "p";
+    CreateProject("A3 ", project, false, {{"rkparam.cpu", {'A', '3', ' ', '\n'}}});
+    EXPECT_EQ(dir.Read("p/rkparam.cpu"), (std::vector<uint8_t>{'A', '3', ' ', '\n'}));
+    EXPECT_EQ(dir.Read("p/param.tmp").size(), 3072u);
+
+    // A file alongside that does not fit on the disk: nothing of the new project stays, and
+    // a replaced project keeps its files as they were.
+    const auto previous = dir.Read("p/param.tmp");
+    for (const bool force : {false, true}) {
+        const std::string target = force ? project : dir.Path() + "q";
+        FileSizeLimit limit(4000);  // "param.tmp" fits, the second file does not
+        EXPECT_THROW(CreateProject("A0J", target, force, {{"rkparam.cpu", Bytes(5000, 'x')}}),
+                     RuntimeError);
+    }
+    EXPECT_FALSE(dir.Exists("q"));
+    EXPECT_EQ(dir.Read("p/param.tmp"), previous);
+    EXPECT_EQ(dir.Read("p/rkparam.cpu"), (std::vector<uint8_t>{'A', '3', ' ', '\n'}));
+    EXPECT_EQ(dir.List(), std::vector<std::string>{"p"});
+}
+
+TEST(CreateProject, RefusesAFileAlongsideThatIsNotARegularFileAndAProjectInUse) {
+    TempDir dir;
+    ASSERT_EQ(::mkfifo(dir.File("rkparam.cpu").c_str(), 0644), 0);
+    try {
+        CreateProject("A3 ", dir.Path(), false, {{"rkparam.cpu", {'x'}}});
+        FAIL();
+    } catch (const RuntimeError& error) {
+        EXPECT_NE(error.Description().find("rkparam.cpu\": not a regular file"), std::string::npos)
+            << error.Description();
+    }
+    ::unlink(dir.File("rkparam.cpu").c_str());
+    {
+        ProjectLock run(dir.Path());
+        ASSERT_TRUE(run.Held());
+        try {
+            CreateProject("A3 ", dir.Path(), false);
+            FAIL();
+        } catch (const RuntimeError& error) {
+            EXPECT_NE(error.Description().find("in use"), std::string::npos);
+        }
+    }
+    EXPECT_EQ(dir.List(), std::vector<std::string>{});
+}
+
+TEST(ProjectLock, OneHolderAtATimeAndNoFileLeftAfterwards) {
+    TempDir dir;
+    // A lock file left by a process that died holds nothing.
+    dir.Write(".param.lock", {});
+    {
+        ProjectLock first(dir.Path());
+        EXPECT_TRUE(first.Held());
+        ProjectLock second(dir.Path());
+        EXPECT_FALSE(second.Held());
+    }
+    EXPECT_EQ(dir.List(), std::vector<std::string>{});
+    ProjectLock again(dir.Path());
+    EXPECT_TRUE(again.Held());
+    EXPECT_THROW(ProjectLock(dir.Path() + "missing/"), RuntimeError);
+}
+
+TEST(ReadWholeFile, RefusesAFifoWithoutWaitingForAWriter) {
+    TempDir dir;
+    ASSERT_EQ(::mkfifo(dir.File("pipe").c_str(), 0644), 0);
+    EXPECT_THROW(ReadWholeFile(dir.File("pipe")), RuntimeError);
 }
 
 TEST(CpuCodes, FamiliesAndTheTrailingBlank) {
