@@ -19,6 +19,10 @@ namespace {
 
 using Pages = std::vector<std::unique_ptr<Page>>;
 
+// The values of the text form's check_bytes and network_sum lines.
+constexpr const char* kComputed = "computed";
+constexpr const char* kAsListed = "as listed";
+
 constexpr int kCheckBytes = 525;
 constexpr int kBytesPerLine = 16;
 
@@ -98,12 +102,14 @@ ParameterImage ImageOfFields(const std::vector<ParsedField>& fields, const Dialo
                              std::vector<std::string>& errors) {
     const Pages pages = PagesFor(context);
     std::vector<FieldRef> all;
+    all.reserve(512);
     for (const auto& page : pages) {
         page->TakeAll();
         for (FieldRef& field : page->AllFields()) all.push_back(std::move(field));
     }
     // Fields usually come in the order of the list; the index is built only for the others.
     std::map<std::string, size_t> index;
+    std::vector<int> givenOn(all.size(), 0);  // the line that gave each field
     size_t next = 0;
     for (const ParsedField& f : fields) {
         size_t at = next;
@@ -121,6 +127,12 @@ ParameterImage ImageOfFields(const std::vector<ParsedField>& fields, const Dialo
             continue;
         }
         next = at + 1;
+        if (givenOn[at] != 0) {
+            errors.push_back(where() + f.key + " is given twice (first on line " +
+                             std::to_string(givenOn[at]) + ")");
+            continue;
+        }
+        givenOn[at] = f.line;
         if (!Page::Assign(all[at], f.value)) {
             errors.push_back(where() + f.key + " does not take \"" + f.value + "\"");
         }
@@ -138,24 +150,67 @@ ParameterImage ImageOfFields(const std::vector<ParsedField>& fields, const Dialo
         }
     }
     SetValue(image, context.CpuType);
-    SetCheckSum(image, context.CpuType, true);
     return image;
+}
+
+// Where the check bytes and the network sum lie, and whether an image holds them as its own
+// bytes give them: the text form then says "computed" rather than listing them, so that an
+// edited field gets them right again.
+constexpr int kNetworkSum = 2056;
+bool InSums(int i) {
+    return (i >= kCheckBytes && i < kCheckBytes + 3) || (i >= kNetworkSum && i < kNetworkSum + 3);
+}
+
+struct Sums {
+    bool checkBytes = true;
+    bool networkSum = true;
+};
+
+Sums SumsOf(const ParameterImage& image, const std::string& cpu) {
+    ParameterImage summed = image;
+    SetCheckSum(summed, cpu, true);
+    Sums sums;
+    for (int i = 0; i < 3; ++i) {
+        sums.checkBytes = sums.checkBytes && summed[kCheckBytes + i] == image[kCheckBytes + i];
+        sums.networkSum = sums.networkSum && summed[kNetworkSum + i] == image[kNetworkSum + i];
+    }
+    return sums;
+}
+
+// The sums the text form says are computed, written over image.
+void PutSums(ParameterImage& image, const std::string& cpu, const Sums& sums) {
+    ParameterImage summed = image;
+    SetCheckSum(summed, cpu, true);
+    for (int i = 0; i < 3; ++i) {
+        if (sums.checkBytes) image[kCheckBytes + i] = summed[kCheckBytes + i];
+        if (sums.networkSum) image[kNetworkSum + i] = summed[kNetworkSum + i];
+    }
 }
 
 struct Decomposition {
     std::vector<ShownDialog> dialogs;
     ParameterImage fieldsImage;
+    Sums sums;
+    const ParameterImage* image = nullptr;
+    // Whether byte i is listed as a byte: the fields do not give it, and it is no computed sum.
+    bool Listed(int i) const {
+        if (InSums(i)) return i < kNetworkSum ? !sums.checkBytes : !sums.networkSum;
+        return (*image)[i] != fieldsImage[i];
+    }
 };
 
 Decomposition Decompose(const ParameterImage& image, const DialogContext& context) {
     Decomposition d;
     d.dialogs = Show(image, context);
     std::vector<ParsedField> fields;
+    fields.reserve(512);
     for (const ShownDialog& dialog : d.dialogs) {
         for (const ShownField& f : dialog.fields) fields.push_back({f.key, f.value, 0});
     }
     std::vector<std::string> errors;  // none: every shown value assigns back
     d.fieldsImage = ImageOfFields(fields, context, errors);
+    d.sums = SumsOf(image, context.CpuType);
+    d.image = &image;
     return d;
 }
 
@@ -247,8 +302,10 @@ std::vector<ShownDialog> Show(const ParameterImage& image, const DialogContext& 
         ParameterImage opened = image;
         page->Open(opened);
         ShownDialog dialog{page->Name(), page->Form(), page->Title(), {}};
-        for (const FieldRef& field : page->Fields()) {
-            dialog.fields.push_back({field.key, Page::ValueOf(field)});
+        std::vector<FieldRef> fields = page->Fields();
+        dialog.fields.reserve(fields.size());
+        for (FieldRef& field : fields) {
+            dialog.fields.push_back({std::move(field.key), Page::ValueOf(field)});
         }
         dialogs.push_back(std::move(dialog));
     }
@@ -395,6 +452,8 @@ std::string ExportText(const ParameterImage& image, const DialogContext& context
         "# dialog order, then the bytes the fields do not give: the value the file holds and\n"
         "# the value the fields give there. rkparam import makes the same file of this text.\n";
     text += "cpu = " + QuoteValue(context.CpuType) + "\n";
+    text += std::string("check_bytes = ") + (d.sums.checkBytes ? kComputed : kAsListed) + "\n";
+    text += std::string("network_sum = ") + (d.sums.networkSum ? kComputed : kAsListed) + "\n";
     for (const ShownDialog& dialog : d.dialogs) {
         text += "\n[" + dialog.name + "] " + dialog.title + "\n";
         for (const ShownField& f : dialog.fields) {
@@ -405,7 +464,7 @@ std::string ExportText(const ParameterImage& image, const DialogContext& context
     }
     text += "\n[bytes]\n";
     const ParameterImage& w = d.fieldsImage;
-    for (const auto& [first, last] : Ranges([&](int i) { return image[i] != w[i]; })) {
+    for (const auto& [first, last] : Ranges([&](int i) { return d.Listed(i); })) {
         text += "bytes " + std::to_string(first) + ".." + std::to_string(last) + " = " +
                 HexBytes(Slice(image, first, last)) + " (fields give " +
                 HexBytes(Slice(w, first, last)) + ")\n";
@@ -429,8 +488,10 @@ std::string CpuOfText(const std::string& text) {
 ImportOutcome ImportText(const std::string& text, const DialogContext& context) {
     ImportOutcome outcome;
     std::vector<ParsedField> fields;
+    fields.reserve(512);
     std::vector<ParsedBytes> bytes;
     std::map<std::string, int> seen;
+    Sums sums;  // computed unless the text says otherwise
     std::istringstream in(text);
     std::string raw;
     int lineNo = 0;
@@ -463,13 +524,23 @@ ImportOutcome ImportText(const std::string& text, const DialogContext& context) 
             outcome.errors.push_back(where + "the quoted value of " + key + " is not closed");
             continue;
         }
-        if (!seen.emplace(key, lineNo).second) {
-            outcome.errors.push_back(where + key + " is given twice (first on line " +
-                                     std::to_string(seen[key]) + ")");
-            continue;
+        if (key == "cpu" || key == "check_bytes" || key == "network_sum") {
+            if (!seen.emplace(key, lineNo).second) {
+                outcome.errors.push_back(where + key + " is given twice (first on line " +
+                                         std::to_string(seen[key]) + ")");
+                continue;
+            }
         }
         if (key == "cpu") {
             outcome.cpu = *value;
+            continue;
+        }
+        if (key == "check_bytes" || key == "network_sum") {
+            if (*value != kComputed && *value != kAsListed) {
+                outcome.errors.push_back(where + key + " takes \"" + kComputed + "\" or \"" +
+                                         kAsListed + "\", not \"" + *value + "\"");
+            }
+            (key == "check_bytes" ? sums.checkBytes : sums.networkSum) = *value == kComputed;
             continue;
         }
         fields.push_back({key, *value, lineNo});
@@ -498,6 +569,7 @@ ImportOutcome ImportText(const std::string& text, const DialogContext& context) 
                                     " there; the edited fields win over the listed bytes");
         }
     }
+    PutSums(image, context.CpuType, sums);
     outcome.image = image;
     return outcome;
 }
@@ -534,10 +606,8 @@ Difference Diff(const ParameterImage& a, const DialogContext& contextA, const Pa
         }
     }
 
-    const ParameterImage& wa = da.fieldsImage;
-    const ParameterImage& wb = db.fieldsImage;
     for (const auto& [first, last] :
-         Ranges([&](int i) { return a[i] != b[i] && (a[i] != wa[i] || b[i] != wb[i]); })) {
+         Ranges([&](int i) { return a[i] != b[i] && (da.Listed(i) || db.Listed(i)); })) {
         difference.bytes.push_back({first, last, Slice(a, first, last), Slice(b, first, last)});
     }
     return difference;
