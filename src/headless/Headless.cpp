@@ -9,6 +9,7 @@
 #include "common/ControlNumbers.h"
 #include "common/InputRoutines.h"
 #include "common/Messages.h"
+#include "dialogs/frmIOLayout/IOLayoutFields.h"
 #include "headless/Page.h"
 #include "menus/MenuRules.h"
 #include "platform/rkcmnt/DefaultImage.h"
@@ -387,7 +388,10 @@ SetOutcome Set(const ParameterImage& image, const DialogContext& context,
     }
     if (outcome.refusals.empty()) MenuChecks(work, context.CpuType, endPositions, outcome.refusals);
     if (!outcome.refusals.empty()) return outcome;
-    SetCheckSum(work, context.CpuType, false);
+    // As the save of a run: its merge of the working file (the project's file as loaded)
+    // has the network sum rewritten when the I/O assignment flag 1071 changed.
+    const int flag = kIoAssignedFlagAt;
+    SetCheckSum(work, context.CpuType, work[flag] != 0xFF && work[flag] != image[flag]);
     outcome.image = work;
     return outcome;
 }

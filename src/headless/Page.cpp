@@ -169,13 +169,17 @@ std::optional<std::string> Page::Locked(const FieldRef&) {
 
 void Page::Changed(const FieldRef&, bool) {}
 
+void SetUpHostLibraries(const std::string& cpuType, const std::string& projectDir) {
+    std::string dir = projectDir, cpu = cpuType;
+    RkSetupGlobal(dir.data(), cpu.data(), CpuCodeOf(cpuType), nullptr);
+}
+
 DialogContext HeadlessContext(const std::string& cpuType, const std::string& projectDir) {
     DialogContext context;
     context.CpuType = cpuType;
     context.ProjectDir = projectDir;
     // The host libraries answer for the CPU of the last setup, as in a run.
-    std::string dir = projectDir, cpu = cpuType;
-    RkSetupGlobal(dir.data(), cpu.data(), CpuCodeOf(cpuType), nullptr);
+    SetUpHostLibraries(cpuType, projectDir);
     for (char letter : DeviceMaxSizes::kLetters) {
         context.DeviceMaxSize[letter] = GetDeviceMaxSize(std::string(1, letter));
     }

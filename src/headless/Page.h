@@ -118,4 +118,7 @@ std::vector<std::unique_ptr<Page>> PagesFor(const DialogContext& context);
 // the CPU type), no sub program open in an editor.
 DialogContext HeadlessContext(const std::string& cpuType, const std::string& projectDir = "");
 
+// RkSetupGlobal for cpuType: the host libraries' checks answer for the CPU of the last setup.
+void SetUpHostLibraries(const std::string& cpuType, const std::string& projectDir);
+
 }  // namespace gantrix::headless

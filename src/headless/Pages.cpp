@@ -312,7 +312,7 @@ class IOLayoutPage : public Page {
 
     ErrorTables Check(const ParameterImage& image) const override {
         // The host library checks against the CPU type of the last setup.
-        HeadlessContext(Context().CpuType, Context().ProjectDir);
+        SetUpHostLibraries(Context().CpuType, Context().ProjectDir);
         return ValidateIOLayout(f_, image, Context());
     }
     void Write(ParameterImage& image) const override {
