@@ -5,12 +5,17 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "store/StoreState.h"
 
 namespace gantrix {
+
+namespace excel {
+class Application;
+}
 
 class MessagePresenter;
 
@@ -42,6 +47,13 @@ struct ModuleState : StoreState {
     bool ParamPrintActive = false;
     std::string NetBookName;
     std::string ParamBookName;
+    // The spreadsheet application the hand-over attached to or started; held until the
+    // entry call ends (or CheckExcel finds nothing of the run open any more).
+    std::shared_ptr<excel::Application> ExcelApp;
+
+    // The network mode the network menu derived from the image last (0 none, 1 MORNET II
+    // combination, 2 MORNET II, 3 MORNET).
+    int16_t NetworkMode = 0;
 
     // The runtime error being handled; message 0 shows its description.
     std::string PendingErrorDescription;

@@ -132,6 +132,7 @@ int16_t RKParam::Param_main() {
         ~EndOfRun() {
             form.reset();
             state.SaveRequested = false;
+            state.ExcelApp = nullptr;  // the spreadsheet application is let go
         }
     } endOfRun{s, menu};
     try {

@@ -64,13 +64,16 @@ bool CheckTotalMemory(ModuleState& state) {
 
 namespace {
 
-// Whether the named workbook of the running spreadsheet application shows mark in the given
-// cell of its "TEMP" sheet. Any failure of the automation counts as no.
-bool WorkbookStillOpen(const std::string& bookName, int row, const std::string& mark) {
+// Attaches the module's application reference to the running spreadsheet application (empty
+// when none runs) and tells whether its workbook bookName shows mark in the given cell of its
+// "TEMP" sheet. Any failure of the automation counts as no.
+bool WorkbookStillOpen(ModuleState& state, const std::string& bookName, int row,
+                       const std::string& mark) {
     try {
-        const auto application = excel::GetObject("excel.application");
-        if (!application) return false;
-        for (excel::Workbook* book : application->Workbooks()) {
+        state.ExcelApp = nullptr;
+        state.ExcelApp = excel::GetObject("excel.application");
+        if (!state.ExcelApp) return false;
+        for (excel::Workbook* book : state.ExcelApp->Workbooks()) {
             if (book == nullptr || book->Name() != bookName) continue;
             for (excel::Worksheet* sheet : book->Worksheets()) {
                 if (sheet != nullptr && sheet->Name() == "TEMP") {
@@ -89,19 +92,20 @@ bool WorkbookStillOpen(const std::string& bookName, int row, const std::string& 
 
 bool CheckExcel(ModuleState& state) {
     if (state.ParamPrintActive) {
-        if (WorkbookStillOpen(state.ParamBookName, 1, "Param")) {
+        if (WorkbookStillOpen(state, state.ParamBookName, 1, "Param")) {
             ShowMessage(state, 15);
             return true;
         }
         state.ParamPrintActive = false;
     }
     if (state.NetEditActive) {
-        if (WorkbookStillOpen(state.NetBookName, 29, "NetParam")) {
+        if (WorkbookStillOpen(state, state.NetBookName, 29, "NetParam")) {
             ShowMessage(state, 5);
             return true;
         }
         state.NetEditActive = false;
     }
+    state.ExcelApp = nullptr;
     return false;
 }
 

@@ -32,7 +32,8 @@ int TotalMemoryK(ParameterImage& image);
 bool CheckTotalMemory(ModuleState& state);
 
 // CheckExcel: whether a workbook this run opened is still open on its "TEMP" sheet (message
-// 15 or 5 then); clears the flags of workbooks that are gone.
+// 15 or 5 then); clears the flags of workbooks that are gone and, when nothing of the run is
+// open, releases the module's application reference.
 bool CheckExcel(ModuleState& state);
 
 }  // namespace gantrix

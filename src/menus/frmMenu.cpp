@@ -14,6 +14,7 @@
 #include "common/qt/DialogRegistry.h"
 #include "common/qt/FormControls.h"
 #include "menus/MenuRules.h"
+#include "print/PrintRules.h"
 #include "store/ParameterFiles.h"
 
 namespace gantrix {
@@ -111,12 +112,18 @@ std::string frmMenu::ActionOf(int index) const {
 
 void frmMenu::ChangePage(int index) {
     const std::string action = ActionOf(index);
+    ModuleState& s = State();
     if (action == "ClearAllParameters") {
-        ModuleState& s = State();
         if (ClearAllParameters(s, [&s](int n) { return ShowMessage(s, n); })) s.ParamChanged = true;
-        return;
+    } else if (action == "PrintNetworkSettings(0)") {
+        PrintNetworkSettings(s, 0);
+    } else if (action == "PrintNetworkSettings(3)") {
+        PrintNetworkSettings(s, 3);
+    } else if (action == "PrintParameterSettings") {
+        PrintParameterSettings(s);
+    } else if (!action.empty()) {
+        OpenDialog(action, s);
     }
-    if (!action.empty()) OpenDialog(action, State());
 }
 
 void frmMenu::MenuItem_Click(int index) {

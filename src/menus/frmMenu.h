@@ -19,8 +19,8 @@ class frmMenu : public FormBase {
   public:
     explicit frmMenu(ModuleState& state);
 
-    // The action of item index (0..7): opens its dialog, or does nothing when the CPU type
-    // has none or the dialog has not joined the component.
+    // The action of item index (0..7): opens its dialog or hands over to the spreadsheet, or
+    // does nothing when the CPU type has none or the dialog has not joined the component.
     void ChangePage(int index);
 
     void MenuItem_Click(int index);

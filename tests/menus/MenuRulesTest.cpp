@@ -156,6 +156,7 @@ TEST(CheckExcel, BusyWhileAWorkbookOfTheRunIsOpen) {
     app->book.temp.SetCell(1, 1, "");
     EXPECT_FALSE(CheckExcel(state));
     EXPECT_FALSE(state.ParamPrintActive);
+    EXPECT_EQ(state.ExcelApp, nullptr);  // nothing of the run open: released
 
     state.NetEditActive = true;
     state.NetBookName = app->book.name;

@@ -5,9 +5,13 @@
 #include <QTest>
 
 #include <cstdio>
+#include <filesystem>
+#include <tuple>
 
 #include "common/qt/DialogRegistry.h"
 #include "menus/frmMenu.h"
+#include "print/PrintRules.h"
+#include "print/RecordingExcel.h"
 #include "store/ParameterFiles.h"
 #include "support/ParameterModeRun.h"
 
@@ -198,12 +202,71 @@ TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
     EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[1]);
 }
 
-TEST(frmMenu, AnItemWhoseDialogHasNotJoinedDoesNothing) {
+TEST(frmMenu, NetworkItemByCpuType) {
+    for (const auto& [cpu, book, mode] :
+         {std::tuple{"A1S", "MORNET.xls", "0"}, std::tuple{"A4U", "MORNET10.xls", "3"}}) {
+        MenuFixture f(cpu);
+        test::RecordingExcel excel;
+        const std::string name = MakeBookName(f.project.Path(), book);
+        f.project.WriteText(name, "workbook");
+        f.menu->MenuItem[5]->click();
+        ASSERT_NE(excel.app->Book(name), nullptr) << cpu;
+        EXPECT_EQ(excel.app->Book(name)->cells["B32"], mode);
+    }
     MenuFixture f("A3A");
-    ASSERT_FALSE(IsDialogRegistered("frmNetworkMenu"));
-    f.menu->MenuItem[5]->click();
+    test::ModalDriver driver;
+    driver.On("frmNetworkMenu",
+              [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); });
+    driver.Run([&f] { f.menu->MenuItem[5]->click(); });
     EXPECT_FALSE(f.Closed());
-    EXPECT_TRUE(f.messages.shown.empty());
+}
+
+TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
+    MenuFixture f("A3 ");
+    test::RecordingExcel excel;
+    const std::string dir = f.project.Path();
+    f.project.WriteText(MakeBookName(dir, "Parameter mode.xls"), "workbook");
+    f.project.WriteText(MakeBookName(dir, "MORNET.xls"), "workbook");
+    f.menu->MenuItem[6]->click();
+    f.menu->MenuItem[5]->click();
+    ASSERT_EQ(excel.app->books.size(), 2u);
+    f.menu->OK->click();
+    f.menu->Cancel->click();
+    excel.app->books.erase(excel.app->books.begin());  // the parameter workbook
+    f.menu->OK->click();
+    f.menu->Cancel->click();
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{24, 24, 15, 15, 5, 5}));
+    EXPECT_FALSE(f.Closed());
+    excel.app->books.clear();
+    f.menu->OK->click();
+    EXPECT_TRUE(f.Closed());
+    EXPECT_FALSE(f.state.NetEditActive || f.state.ParamPrintActive);
+}
+
+// A run ended by a runtime error while its workbook is open (so no CheckExcel let go of the
+// application) still lets go of it: the spreadsheet keeps running, unheld.
+TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
+    TempProject project("A3 ");
+    test::RecordingExcel excel;
+    project.WriteText(MakeBookName(project.Path(), "Parameter mode.xls"), "workbook");
+    test::ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(6)"), Qt::Key_Return); })
+        .Message(24, "Yes")
+        .On("frmMenu",
+            [&project](QWidget* menu) {
+                // Clear All cannot write "param.$$$" over a directory.
+                std::remove(project.File(kParamWork).c_str());
+                std::filesystem::create_directory(project.File(kParamWork));
+                PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
+            })
+        .Message(12, "Yes")
+        .Message(0, "OK");
+    const test::RunOutcome run = test::RunParameterMode(project, driver);
+    EXPECT_EQ(run.result, 0) << run.error;
+    ASSERT_EQ(excel.app->books.size(), 1u);
+    EXPECT_EQ(excel.app.use_count(), 1);
 }
 
 }  // namespace
