@@ -150,7 +150,6 @@ ParameterImage ImageOfFields(const std::vector<ParsedField>& fields, const Dialo
         } catch (const std::exception&) {
         }
     }
-    SetValue(image, context.CpuType);
     return image;
 }
 

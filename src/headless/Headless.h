@@ -5,12 +5,13 @@
 //
 // The text form (ExportText, ImportText) lists every field as "key = value" in dialog order,
 // then the bytes the fields do not give. The fields give an image W: the default image of the
-// CPU type, each dialog's OK applied in dialog order with the listed values, then the fixed
-// bytes of the menu's OK and the check bytes. Every byte where the image differs from W is
-// listed with its value and W's ("bytes 1024..1027 = 01 02 03 04 (fields give 00 FF FF FF)").
-// Import builds W from the fields read and puts the listed bytes over it, which gives the
-// exported image back byte for byte. Where an edited field changes W under a listed byte,
-// the field wins and the import says so.
+// CPU type (which holds the fixed bytes of the menu's OK) with each dialog's OK applied in
+// dialog order with the listed values. Every byte where the image differs from W is listed
+// with its value and W's ("bytes 1024..1027 = 01 02 03 04 (fields give 00 FF FF FF)"), except
+// the check bytes and the network sum when the image's own bytes give them: the text says
+// "computed" for those, and import computes them. Import builds W from the fields read and
+// puts the listed bytes over it, which gives the exported image back byte for byte. Where an
+// edited field changes W under a listed byte, the field wins and the import says so.
 
 #include <array>
 #include <cstdint>

@@ -72,6 +72,12 @@ TEST(HeadlessCheck, NamesTheDialogTheFieldAndTheDialogsMessage) {
          "mini.module.1.start_io",
          2},
         {"A2C", [](ParameterImage& i) { i[143] = 70; }, {}, "remote", "remote.entry.1.start", 11},
+        {"A3U",
+         [](ParameterImage& i) { i.SetParamWord(32768 + 9000, 2310); },
+         {},
+         "timer",
+         "timer.counter.device.start",
+         7},  // R9000: beyond the file register
         {"A3 ",
          [](ParameterImage& i) {
              for (int n = 0; n < 40; ++n) i[384 + n] = 0x24;
@@ -139,6 +145,7 @@ TEST(HeadlessSet, TypesValuesAsTheDialogTakesThem) {
         const char* shown;
     } cases[] = {
         {"A3 ", {{"assist.watchdog", " 0030"}}, "assist.watchdog", "30"},
+        {"A3 ", {{"memory.ext_comment", "4"}}, "memory.ext_comment", "4"},
         {"A3 ", {{"latch.B.start", " 1f "}, {"latch.B.end", "3ff"}}, "latch.B.start", "1F"},
         {"A3 ", {{"io.slot.0", "7"}}, "io.slot.0", "X32"},
         {"A3 ", {{"io.slot.0", "y16"}, {"io.slot.0.model", "ay10a"}}, "io.slot.0.model", "AY10A"},
@@ -222,6 +229,7 @@ TEST(TextForm, RefusesTextItCannotRead) {
         {"cpu = \"A3 \"\nmini.modules = 1\n", "line 2: mini.modules is no field"},
         {"assist.fuse_blown = maybe\n", "line 1: assist.fuse_blown does not take"},
         {"memory.main = 6\nmemory.main = 7\n", "line 2: memory.main is given twice"},
+        {"cpu = \"A3 \"\ncpu = \"A3 \"\n", "line 2: cpu is given twice"},
         {"bytes 3070..3072 = 00 00 00 (fields give FF FF FF)\n", "line 1: expected"},
         {"memory.main = \"6\n", "line 1: the quoted value"},
     };
