@@ -10,7 +10,6 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <algorithm>
@@ -495,7 +494,7 @@ void Driver::RandomEvent(Frame& f) {
     if (r < 30) {
         // Mostly what the boxes take (digits, hexadecimal digits, slot code letters), then
         // any printable character.
-        static const char kLikely[] = "ABCDEFXYIOSMLKHTUWZabcdefx";
+        static const char kLikely[] = "ABCDEFXYIOSMLKHTUWZabcdefx  -";
         char c;
         const int kind = random_.Below(100);
         if (kind < 45) {
@@ -535,8 +534,8 @@ void Driver::RandomEvent(Frame& f) {
             Key(f, Qt::Key_PageDown, "", "PageDown");
         }
     } else if (r < 63) {
-        // End acts as OK: rarer than Home.
-        if (random_.Chance(70)) {
+        // End acts as OK: rarer than Home, so that a dialog lives through its budget.
+        if (random_.Chance(85)) {
             Key(f, Qt::Key_Home, "", "Home");
         } else {
             Key(f, Qt::Key_End, "", "End");
@@ -546,14 +545,23 @@ void Driver::RandomEvent(Frame& f) {
     } else if (r < 72) {
         Key(f, Qt::Key_Backspace, "\b", "Backspace");
     } else if (r < 73) {
-        Key(f, Qt::Key_Escape, "\x1b", "Escape");
+        if (random_.Chance(50)) Key(f, Qt::Key_Escape, "\x1b", "Escape");
     } else if (r < 89) {
         // Push buttons (the nested dialogs' buttons among them), check boxes, option
         // buttons and spin arrows.
         const auto buttons = Usable<QAbstractButton>(f);
         if (buttons.empty()) return;
-        QAbstractButton* button =
-            buttons[static_cast<size_t>(random_.Below(static_cast<int>(buttons.size())))];
+        const auto pick = [&] {
+            return buttons[static_cast<size_t>(random_.Below(static_cast<int>(buttons.size())))];
+        };
+        const auto closes = [](const QAbstractButton* b) {
+            return b->objectName() == "OK" || b->objectName() == "Cancel" ||
+                   b->objectName() == "Close";
+        };
+        // The buttons that close the dialog are picked less often than the others, so that
+        // a dialog lives through its budget.
+        QAbstractButton* button = pick();
+        if (closes(button) && !random_.Chance(25)) button = pick();
         if (button->objectName() == "OK" || button->objectName() == "Close") {
             Confirm(f, button);
         } else {
