@@ -1,12 +1,16 @@
 #pragma once
 // The monkey: seeded random sessions of the parameter mode through the C interface.
 //
-// A session makes a project for one CPU type and runs the parameter mode on it one to three
-// times. In each run the monkey opens dialogs from the menu, sends random keys and clicks to
+// A session makes a project for one CPU type (sometimes with END positions of its programs,
+// sometimes with a sub program open in the host) and runs the parameter mode on it one to
+// three times. In each run the monkey presses menu items, sends random keys and clicks to
 // whatever modal window is active (nested dialogs included), answers every message box with
-// a random button and leaves the menu with OK or Cancel. After every run it checks:
+// a random button and leaves the menu with OK or Cancel. It knows no dialog by name: a
+// dialog that joins the menu or opens from a dialog's button is walked as it appears.
+// After every run it checks:
 //   - a run that did not save, and any run left with Cancel before the menu's OK, leaves
-//     "param.tmp" byte-identical, and no working file stays behind;
+//     "param.tmp" byte-identical and the host's change flag as it was; a save sets the flag;
+//     no working file stays behind;
 //   - a saved file, opened again and taken through every dialog with OK and no edit, does
 //     not change by a byte;
 //   - a dialog's OK either closes it or shows a message;
