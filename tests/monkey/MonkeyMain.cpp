@@ -149,10 +149,11 @@ void StartWatchdog() {
     }).detach();
 }
 
-// The offscreen platform says this of every window it sizes: noise, thousands of times.
+// The offscreen platform says these of every window it sizes or raises: noise, thousands of
+// times.
 QtMessageHandler g_qtHandler = nullptr;
 void FilterQtMessages(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (text.contains("propagateSizeHints")) return;
+    if (text.contains("propagateSizeHints") || text.contains("support raise()")) return;
     g_qtHandler(type, context, text);
 }
 
