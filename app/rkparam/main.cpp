@@ -1,20 +1,27 @@
 // rkparam: the host program of the parameter mode. It plays the part of the ladder tool:
 // makes projects, and runs the parameter mode on one through the component's C interface.
+// Without a display, its subcommands show, check, set, diff, export and import work on the
+// parameters through the dialogs' pure halves (HeadlessCommands.h).
 //
 //   rkparam new --cpu CODE [--force] DIR
 //   rkparam [--cpu CODE] [--sub-editing N]... [--content-changed] [-v] DIR
+//   rkparam show|check|set|diff|export|import ...   (rkparam SUBCOMMAND --help)
 //
-// Exit status: 0 the parameters were saved; 1 the run ended without saving; 2 a usage
-// error, a missing or damaged project, a project in use by another run, or a runtime error.
+// Exit status of a run: 0 the parameters were saved; 1 the run ended without saving; 2 a
+// usage error, a missing or damaged project, a project in use by another run, or a runtime
+// error.
 
 #include <sys/stat.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
 #include <string>
 #include <vector>
 
+#include "HeadlessCommands.h"
+#include "ProjectFiles.h"
 #include "entry/GantrixA0J.h"
 #include "store/ParameterFiles.h"
 #include "store/Project.h"
@@ -26,15 +33,16 @@ constexpr int kSaved = 0;
 constexpr int kNotSaved = 1;
 constexpr int kFailed = 2;
 
-// The CPU type a project was made for, kept beside its parameter file by "rkparam new":
-// the parameter file itself does not say which CPU it belongs to.
-constexpr const char* kCpuFile = "rkparam.cpu";
+using rkparam::kCpuFile;
+using rkparam::ReadCpuNote;
+using rkparam::WithSeparator;
 
 constexpr intptr_t kHostWindow = 0x4E57;
 
 const char* const kUsage =
     "usage: rkparam new --cpu CODE [--force] DIR\n"
     "       rkparam [--cpu CODE] [--sub-editing N]... [--content-changed] [-v] DIR\n"
+    "       rkparam show|check|set|diff|export|import ... (see rkparam --help)\n"
     "CODE is one of A0J A0H A1S A1 A2C A2 A3 A3H A2A A3A A2U A3U A4U.\n";
 
 int Usage(const std::string& problem) {
@@ -42,28 +50,7 @@ int Usage(const std::string& problem) {
     return kFailed;
 }
 
-std::string WithSeparator(std::string dir) {
-    if (!dir.empty() && dir.back() != '/') dir += '/';
-    return dir;
-}
-
-int New(const std::vector<std::string>& args) {
-    std::string cpu;
-    std::string dir;
-    bool force = false;
-    for (size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--cpu" && i + 1 < args.size()) {
-            cpu = args[++i];
-        } else if (args[i] == "--force") {
-            force = true;
-        } else if (!args[i].empty() && args[i][0] == '-') {
-            return Usage("unknown option " + args[i]);
-        } else if (dir.empty()) {
-            dir = args[i];
-        } else {
-            return Usage("more than one directory given");
-        }
-    }
+int New(std::string cpu, const std::string& dir, bool force) {
     if (cpu.empty()) return Usage("new needs --cpu CODE");
     if (dir.empty()) return Usage("new needs a project directory");
     cpu = gantrix::NormalizeCpuCode(cpu);
@@ -83,17 +70,6 @@ int New(const std::vector<std::string>& args) {
     return kSaved;
 }
 
-// The CPU type noted by "rkparam new"; "" when there is no note. Anything but a regular file
-// is refused (a FIFO would block the run).
-std::string ReadCpuNote(const std::string& dir) {
-    const std::string path = WithSeparator(dir) + kCpuFile;
-    struct stat info {};
-    if (::lstat(path.c_str(), &info) != 0) return "";
-    const std::vector<uint8_t> bytes = gantrix::ReadWholeFile(path);
-    std::string text(bytes.begin(), bytes.end());
-    return text.substr(0, text.find('\n'));
-}
-
 void PrintNotification(intptr_t hwnd, uint32_t msg, uintptr_t wParam, intptr_t lParam,
                        void* /*context*/) {
     std::cout << "notification: hwnd=" << hwnd << " msg=0x" << std::hex << msg << std::dec
@@ -108,32 +84,21 @@ void PrintNotification(intptr_t hwnd, uint32_t msg, uintptr_t wParam, intptr_t l
 
 void IgnoreNotification(intptr_t, uint32_t, uintptr_t, intptr_t, void*) {}
 
-int Run(const std::vector<std::string>& args) {
+struct RunOptions {
     std::string cpu;
     std::string dir;
     bool verbose = false;
     bool contentChanged = false;
+    std::vector<int> subEditing;
+};
+
+int Run(const RunOptions& options) {
+    std::string cpu = options.cpu;
+    const std::string& dir = options.dir;
+    const bool verbose = options.verbose;
+    const bool contentChanged = options.contentChanged;
     bool subEditing[3] = {false, false, false};
-    for (size_t i = 0; i < args.size(); ++i) {
-        const std::string& a = args[i];
-        if (a == "--cpu" && i + 1 < args.size()) {
-            cpu = args[++i];
-        } else if (a == "--sub-editing" && i + 1 < args.size()) {
-            const std::string n = args[++i];
-            if (n != "1" && n != "2" && n != "3") return Usage("--sub-editing takes 1, 2 or 3");
-            subEditing[n[0] - '1'] = true;
-        } else if (a == "--content-changed") {
-            contentChanged = true;
-        } else if (a == "-v") {
-            verbose = true;
-        } else if (!a.empty() && a[0] == '-') {
-            return Usage("unknown option " + a);
-        } else if (dir.empty()) {
-            dir = a;
-        } else {
-            return Usage("more than one directory given");
-        }
-    }
+    for (int n : options.subEditing) subEditing[n - 1] = true;
     if (dir.empty()) return Usage("no project directory given");
 
     // Refuse a project that is not there before anything is touched.
@@ -215,12 +180,47 @@ int Run(const std::vector<std::string>& args) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::vector<std::string> args(argv + 1, argv + argc);
-    if (args.empty()) return Usage("no project directory given");
-    if (args[0] == "-h" || args[0] == "--help") {
-        std::cout << kUsage;
-        return kSaved;
+    CLI::App app(
+        "The parameter mode of a PLC project: a run on a project directory, or a\n"
+        "subcommand. CODE is one of A0J A0H A1S A1 A2C A2 A3 A3H A2A A3A A2U A3U A4U.",
+        "rkparam");
+    app.set_version_flag("--version", std::string("rkparam ") + GANTRIX_VERSION);
+
+    RunOptions run;
+    app.add_option("--cpu", run.cpu, "CPU type; rkparam.cpu of the project by default");
+    app.add_option("--sub-editing", run.subEditing, "sub program N (1..3) is open in an editor")
+        ->check(CLI::Range(1, 3))
+        ->allow_extra_args(false)
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    app.add_flag("--content-changed", run.contentChanged, "the host's change flag is set");
+    app.add_flag("-v", run.verbose, "print the notifications the host window receives");
+    app.add_option("DIR", run.dir, "project directory of the run");
+
+    std::string newCpu;
+    std::string newDir;
+    bool force = false;
+    CLI::App* make = app.add_subcommand("new", "make a project directory with default parameters");
+    make->add_option("--cpu", newCpu, "CPU type")->required();
+    make->add_flag("--force", force, "replace an existing param.tmp with the defaults");
+    make->add_option("DIR", newDir, "project directory")->required();
+
+    const auto headless = rkparam::AddHeadlessCommands(app);
+    app.require_subcommand(0, 1);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp& help) {
+        return app.exit(help);
+    } catch (const CLI::CallForAllHelp& help) {
+        return app.exit(help);
+    } catch (const CLI::CallForVersion& version) {
+        return app.exit(version);
+    } catch (const CLI::ParseError& error) {
+        return Usage(error.what());
     }
-    if (args[0] == "new") return New({args.begin() + 1, args.end()});
-    return Run(args);
+    if (make->parsed()) return New(newCpu, newDir, force);
+    const int status = headless();
+    if (status >= 0) return status;
+    if (run.dir.empty()) return Usage("no project directory given");
+    return Run(run);
 }

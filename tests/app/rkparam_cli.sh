@@ -77,6 +77,36 @@ grep -q 'rkparam.cpu.*not a regular file' "$work/err" || fail "the FIFO is named
 expect_status 2 "new --force over a FIFO" timeout 10 "$rkparam" new --force --cpu A3 "$work/fifo"
 [ -p "$work/fifo/rkparam.cpu" ] || fail "the refused new leaves the FIFO as it was"
 
+# Without a display: check, set, diff, export and import on a project.
+"$rkparam" new --cpu A3 "$work/h1" >/dev/null
+expect_status 0 "check of a new project" "$rkparam" check "$work/h1"
+cp "$work/h1/param.tmp" "$work/h1.before"
+expect_status 1 "set refuses a watchdog of 201" "$rkparam" set "$work/h1" assist.watchdog=201
+grep -q 'assist.watchdog: Setting out of range' "$work/err" || fail "the refusal names the field and message: $(cat "$work/err")"
+cmp -s "$work/h1/param.tmp" "$work/h1.before" || fail "a refused set leaves param.tmp as it was"
+expect_status 1 "set refuses an unknown key" "$rkparam" set "$work/h1" assist.nothing=1
+expect_status 0 "set a watchdog of 30" "$rkparam" set "$work/h1" assist.watchdog=30
+expect_status 0 "check after set" "$rkparam" check "$work/h1"
+expect_status 1 "diff of changed projects" "$rkparam" diff "$work/h1.before" "$work/h1" --cpu A3
+grep -q 'assist.watchdog: 20 => 30' "$work/out" || fail "diff shows both values: $(cat "$work/out")"
+expect_status 0 "export" "$rkparam" export "$work/h1" -o "$work/h1.txt"
+"$rkparam" new --cpu A3 "$work/h2" >/dev/null
+expect_status 0 "import" "$rkparam" import "$work/h2" "$work/h1.txt"
+cmp -s "$work/h1/param.tmp" "$work/h2/param.tmp" || fail "import makes the exported file again"
+expect_status 0 "diff of equal projects" "$rkparam" diff "$work/h1" "$work/h2"
+head -c 100 /dev/zero >"$work/short.tmp"
+expect_status 1 "check of a short file" "$rkparam" check --cpu A3 "$work/short.tmp"
+grep -q '100 bytes' "$work/out" || fail "check names the size: $(cat "$work/out")"
+expect_status 2 "show without a CPU type" "$rkparam" show "$work/short.tmp"
+"$rkparam" show --json "$work/h1" >"$work/h1.json" && grep -q '"assist.watchdog": "30"' "$work/h1.json" \
+    || fail "show --json gives the fields: $(head -c 300 "$work/h1.json")"
+# A run holds the project: set waits for nobody and changes nothing.
+timeout 5 "$rkparam" "$work/h2" >/dev/null 2>&1 &
+sleep 2
+expect_status 2 "set on a project in use" "$rkparam" set "$work/h2" assist.watchdog=40
+grep -q 'in use' "$work/err" || fail "the lock is named: $(cat "$work/err")"
+wait
+
 expect_status 2 "no arguments" "$rkparam"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"
 

@@ -90,7 +90,7 @@ class RecordingExcel {
   public:
     // running: an instance runs already; creatable: a new one can be started.
     explicit RecordingExcel(bool running = false, bool creatable = true) {
-        excel::RegisterApplicationClass(
+        replaced_ = excel::RegisterApplicationClass(
             "excel.application", {[this, running]() -> std::shared_ptr<excel::Application> {
                                       log.Add("GetObject");
                                       return running || started_ ? app : nullptr;
@@ -101,7 +101,8 @@ class RecordingExcel {
                                       return creatable ? app : nullptr;
                                   }});
     }
-    ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", {}); }
+    // The application the component brings (or none) is back once the double goes.
+    ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", replaced_); }
     RecordingExcel(const RecordingExcel&) = delete;  // the registration holds this
 
     ExcelLog log;
@@ -109,6 +110,7 @@ class RecordingExcel {
 
   private:
     bool started_ = false;
+    excel::ApplicationClass replaced_;
 };
 
 // Scripted message boxes that also go into the spreadsheet's log.

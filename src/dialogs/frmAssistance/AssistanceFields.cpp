@@ -155,6 +155,10 @@ int FirstStepRelayLimit(const ParameterImage& image) {
     return first == kErased ? 0 : first;
 }
 
+void ApplyStepRelayFlag(AssistanceFields& fields) {
+    if (!fields.StepRelayFlag) fields.Text1 = {"", ""};
+}
+
 AssistanceFields ReadAssistance(const ParameterImage& image, const DialogContext& context) {
     const AssistanceLayout layout = AssistanceLayoutOf(context.CpuType);
     AssistanceFields f;

@@ -73,6 +73,10 @@ std::string DecodeContact(int word, int mask);
 // The lowest first step relay: the first latch relay (word 16), 0 when L is not latched.
 int FirstStepRelayLimit(const ParameterImage& image);
 
+// What unticking StepRelayFlag does: the step relay boxes are emptied (and, in the form,
+// greyed out until the box is ticked again).
+void ApplyStepRelayFlag(AssistanceFields& fields);
+
 AssistanceFields ReadAssistance(const ParameterImage& image, const DialogContext& context);
 
 // The module's field checks. CheckAssistanceField: empty records 2, out of min..max 3.

@@ -387,8 +387,10 @@ void frmAssistance::ChangePage() {
 }
 
 void frmAssistance::StepRelayFlag_Click() {
-    if (!StepRelayFlag->isChecked()) {
-        for (QLineEdit* box : Text1) box->clear();
+    AssistanceFields f = Fields();
+    ApplyStepRelayFlag(f);
+    for (int i = 0; i < 2; ++i) {
+        if (Text1[i]->text() != Q(f.Text1[i])) Text1[i]->setText(Q(f.Text1[i]));
     }
     EnableStepRelayBoxes();
     State().DataChanged = true;

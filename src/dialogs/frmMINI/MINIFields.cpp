@@ -242,6 +242,21 @@ std::array<std::string, kMiniFieldsPerRow> NewRowValues() {
     return {"", n.miniS3, n.noStations, "", "", "5", n.cpu, n.clear, "", "", n.hold};
 }
 
+int MiniRowsAfterCount(const std::string& countText, int rows) {
+    if (countText.empty()) return rows;
+    const long value = ValueOf(countText);
+    return value >= 0 && value <= kMiniModules ? static_cast<int>(value) : 0;
+}
+
+void ResizeMiniRows(MINIFields& fields, int rows, int newRows) {
+    const auto values = NewRowValues();
+    for (int m = std::min(rows, newRows); m < std::max(rows, newRows); ++m) {
+        for (int f = 0; f < kMiniFieldsPerRow; ++f) {
+            fields.Text2[kMiniFieldsPerRow * m + f] = m < newRows ? values[f] : std::string();
+        }
+    }
+}
+
 std::vector<int> HelpLines(int field) {
     switch (field) {
         case kStartIo:

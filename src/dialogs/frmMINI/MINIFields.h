@@ -123,6 +123,13 @@ std::string NormaliseCell(int field, const std::string& text, const std::string&
 // What a change of the model cell puts into the stations cell: "------" for MINI-S3, else "".
 std::string StationsForModel(const std::string& model);
 
+// The number of module rows after the count box changed to countText, rows being the number
+// before: an empty box (a count about to be typed) keeps the rows, a count of 0..8 makes that
+// many, any other count none.
+int MiniRowsAfterCount(const std::string& countText, int rows);
+// Rows rows + 1..newRows come into being with NewRowValues; rows newRows + 1..rows are emptied.
+void ResizeMiniRows(MINIFields& fields, int rows, int newRows);
+
 // The 12 bytes of a row (byte 1 bit 7 always 0).
 std::array<uint8_t, kMiniRecordSize> EncodeRecord(MiniGroup group, const std::string* row);
 // The row texts of a record, as the dialog shows them after loading.

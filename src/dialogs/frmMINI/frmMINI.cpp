@@ -224,11 +224,13 @@ void frmMINI::Text1_Change() {
     CheckDecimalText(Text1);
     const std::string text = Text1->text().toStdString();
     if (!text.empty()) {
-        const long value = ValueOf(text);
-        const bool rows = value >= 0 && value <= kMiniModules;
+        int rows = 0;
+        while (rows < kMiniModules && RowExists(rows + 1)) ++rows;
+        const int newRows = MiniRowsAfterCount(text, rows);
         for (int m = 1; m <= kMiniModules; ++m) {
-            SetModuleLabel(m, rows && m <= value ? QString::number(m) : QString());
+            SetModuleLabel(m, m <= newRows ? QString::number(m) : QString());
         }
+        const long value = ValueOf(text);
         spinByCode_ = true;
         VScroll1->SetValue(static_cast<int>(std::min<long>(value, 9)));
         spinByCode_ = false;
@@ -313,7 +315,7 @@ void frmMINI::Text2_KeyPress(int index, int& keyAscii) {
         return;
     }
     if (keyAscii < 32 || keyAscii == 127) return;  // Backspace, Delete, control characters
-    if (keyAscii > 127) {  // no cell takes a character outside ASCII
+    if (keyAscii > 127) {                          // no cell takes a character outside ASCII
         keyAscii = 0;
         return;
     }

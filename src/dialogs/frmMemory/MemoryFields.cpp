@@ -151,8 +151,13 @@ MemoryLimits LoadMemoryLimits(ParameterImage& image, const DialogContext& contex
             image[139] = file[139];
         }
     }
+    return ImageMemoryLimits(image, context.CpuType);
+}
+
+MemoryLimits ImageMemoryLimits(ParameterImage& image, const std::string& cpu) {
+    if (!IsUCpu(cpu)) return MemoryLimitsOf(cpu, 0);
     ZeroIfErased(image, 138);
-    return MemoryLimitsOf(context.CpuType, image.GetParamWord(138));
+    return MemoryLimitsOf(cpu, image.GetParamWord(138));
 }
 
 MemoryFields ReadMemory(ParameterImage& image, const DialogContext& context) {

@@ -92,6 +92,10 @@ int FileRegisterMax(const std::string& cpu);
 // A file that exists but cannot be read raises the file runtime error.
 MemoryLimits LoadMemoryLimits(ParameterImage& image, const DialogContext& context);
 
+// The limits from the image alone, as LoadMemoryLimits computes them once the reserved area is
+// refreshed: for U types, bytes 138 and 139 both 255 read as 0 and are written so.
+MemoryLimits ImageMemoryLimits(ParameterImage& image, const std::string& cpu);
+
 // SetMemorySettings without the labels: the fields, after the load has set the erased
 // words 2434 (U types), 134 and 136 (A4U) and 132 (every CPU type) to 0 in the image.
 MemoryFields ReadMemory(ParameterImage& image, const DialogContext& context);

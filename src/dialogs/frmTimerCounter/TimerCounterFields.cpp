@@ -251,6 +251,28 @@ bool NoPoints(const std::string& pointsText) {
     return pointsText.empty() || ValueOf(pointsText) == 0;
 }
 
+std::string CleanStartNumber(const std::string& letter, const std::string& text) {
+    TextBoxState box{text, 0};
+    if (letter == "W") {
+        CheckHexText(box);
+    } else {
+        CheckDecimalText(box);
+    }
+    return box.text;
+}
+
+void ApplyDeviceRule(TimerCounterFields& f, bool timers, TimerGroup group) {
+    std::string& letter = timers ? f.Combo1 : f.Combo2;
+    std::string& start = timers ? f.Text1[7] : f.Text2[1];
+    const std::string& points = timers ? f.Text1[0] : f.Text2[0];
+    if (letter == "d" || letter == "w" || letter == "r")
+        letter[0] = static_cast<char>(letter[0] - 32);
+    // No points, no set values to store.
+    if (IsExtended(group) && NoPoints(points)) letter.clear();
+    // A start number typed for W that is no decimal number goes with a change to D or R.
+    start = IsDeviceLetter(letter) ? CleanStartNumber(letter, start) : std::string();
+}
+
 void ApplyTimerPointRule(TimerCounterFields& f) {
     if (NoPoints(f.Text1[0])) {
         for (int i = 1; i <= 7; ++i) f.Text1[i].clear();

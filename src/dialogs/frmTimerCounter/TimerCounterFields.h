@@ -115,4 +115,13 @@ void ApplyCounterPointRule(TimerCounterFields& fields);
 // A point count text that leaves no timers or counters.
 bool NoPoints(const std::string& pointsText);
 
+// A start number box after a change: cleaned as hexadecimal for W, decimal otherwise.
+std::string CleanStartNumber(const std::string& letter, const std::string& text);
+
+// What a change of a device letter (timers: Combo1 and Text1(7); counters: Combo2 and
+// Text2(1)) re-applies: a lower-case letter in capitals; on the extended groups no letter
+// while the point count leaves no timers (counters); without a device letter no start
+// number, with one the start number cleaned for it.
+void ApplyDeviceRule(TimerCounterFields& fields, bool timers, TimerGroup group);
+
 }  // namespace gantrix

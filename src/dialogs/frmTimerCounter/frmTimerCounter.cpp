@@ -411,22 +411,19 @@ void frmTimerCounter::Combo_KeyPress(QComboBox* combo, int& keyAscii) {
 
 bool frmTimerCounter::ApplyDeviceRule(QComboBox* combo) {
     const TimerCounterFields before = Fields();
-    Field& start = combo == Combo1 ? fields_[kText1 + 7] : fields_[kText2 + 1];
-    const QLineEdit* points = combo == Combo1 ? Text1[0] : Text2[0];
+    const bool timers = combo == Combo1;
+    TimerCounterFields after = before;
+    gantrix::ApplyDeviceRule(after, timers, group_);
+    Field& start = timers ? fields_[kText1 + 7] : fields_[kText2 + 1];
     {
         Updating updating(updating_);
-        QString letter = combo->currentText();
-        if (letter == "d" || letter == "w" || letter == "r") letter = letter.toUpper();
-        // No points, no set values to store.
-        if (IsExtended(group_) && NoPoints(points->text().toStdString())) letter.clear();
+        const QString letter = Q(timers ? after.Combo1 : after.Combo2);
         if (letter != combo->currentText()) combo->setEditText(letter);
-        if (!IsDeviceLetter(letter.toStdString())) {
-            start.text->clear();
-        } else if (letter == "W") {
-            CheckHexText(start.text);
-        } else {
-            // A start number typed for W that is no decimal number goes.
-            CheckDecimalText(start.text);
+        const QString number = Q(timers ? after.Text1[7] : after.Text2[1]);
+        if (number != start.text->text()) {
+            const int caret = start.text->cursorPosition();
+            start.text->setText(number);
+            start.text->setCursorPosition(std::min<int>(caret, static_cast<int>(number.size())));
         }
     }
     SyncSpin(start);

@@ -21,12 +21,18 @@ std::map<std::string, ApplicationClass>& Classes() {
 
 }  // namespace
 
-void RegisterApplicationClass(const std::string& progId, ApplicationClass implementation) {
-    if (!implementation.getRunning && !implementation.create) {
-        Classes().erase(Key(progId));
-    } else {
+ApplicationClass RegisterApplicationClass(const std::string& progId,
+                                          ApplicationClass implementation) {
+    ApplicationClass previous;
+    const auto it = Classes().find(Key(progId));
+    if (it != Classes().end()) {
+        previous = std::move(it->second);
+        Classes().erase(it);
+    }
+    if (implementation.getRunning || implementation.create) {
         Classes()[Key(progId)] = std::move(implementation);
     }
+    return previous;
 }
 
 std::shared_ptr<Application> GetObject(const std::string& progId) {

@@ -51,8 +51,10 @@ struct ApplicationClass {
     std::function<std::shared_ptr<Application>()> create;
 };
 
-// Registers (or, with an empty class, removes) the implementation of a program identifier.
-void RegisterApplicationClass(const std::string& progId, ApplicationClass implementation);
+// Registers (or, with an empty class, removes) the implementation of a program identifier;
+// returns the one it replaces (empty when there was none), so that it can be put back.
+ApplicationClass RegisterApplicationClass(const std::string& progId,
+                                          ApplicationClass implementation);
 
 // The running instance of progId, or nullptr (nothing registered or nothing running).
 std::shared_ptr<Application> GetObject(const std::string& progId);
