@@ -327,6 +327,15 @@ inline constexpr int Hold = 2213;        // "Hold"
 inline constexpr int Test = 2214;        // "Test"
 inline constexpr int Off = 2215;         // "OFF"
 
+// What a screen reader reads for the fields (accessible names and descriptions): the parts
+// that no caption of the windows shows
+inline constexpr int AccessibleStart = 2290;        // "start"
+inline constexpr int AccessibleEnd = 2291;          // "end"
+inline constexpr int AccessibleRange = 2292;        // "%1 to %2"
+inline constexpr int AccessibleUp = 2293;           // "up"
+inline constexpr int AccessibleDown = 2294;         // "down"
+inline constexpr int AccessibleSecondBlock = 2295;  // "second block"
+
 }  // namespace ids
 
 // The text of string id; an empty string for an id the table does not hold.

@@ -1,9 +1,12 @@
 #include "common/qt/FormControls.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
+#include <QRegularExpression>
+#include <QToolButton>
 #include <QValidator>
 #include <QWidget>
 #include <map>
@@ -11,6 +14,7 @@
 #include "common/ControlNumbers.h"
 #include "common/InputRoutines.h"
 #include "common/StringTable.h"
+#include "common/qt/SpinButton.h"
 
 namespace gantrix {
 namespace {
@@ -54,6 +58,45 @@ class TypingLimit : public QValidator {
 
 QString ResText(int id) {
     return QString::fromStdString(LoadResString(id));
+}
+
+void NameField(QWidget* field, const QString& name, const QString& range) {
+    field->setAccessibleName(name);
+    field->setAccessibleDescription(range);
+    if (auto* spin = qobject_cast<SpinButton*>(field)) {
+        spin->UpButton()->setAccessibleName(FieldName({name, ResText(ids::AccessibleUp)}));
+        spin->DownButton()->setAccessibleName(FieldName({name, ResText(ids::AccessibleDown)}));
+        spin->UpButton()->setAccessibleDescription(range);
+        spin->DownButton()->setAccessibleDescription(range);
+    } else if (auto* combo = qobject_cast<QComboBox*>(field); combo && combo->lineEdit()) {
+        combo->lineEdit()->setAccessibleName(name);
+        combo->lineEdit()->setAccessibleDescription(range);
+    }
+}
+
+QString FieldName(std::initializer_list<QString> captions) {
+    QStringList parts;
+    for (const QString& caption : captions) {
+        const QString part = caption.simplified();
+        if (!part.isEmpty()) parts << part;
+    }
+    return parts.join(", ");
+}
+
+QString RangeText(const QString& low, const QString& high) {
+    return ResText(ids::AccessibleRange).arg(low, high);
+}
+
+QString RangeText(long low, long high) {
+    return RangeText(QString::number(low), QString::number(high));
+}
+
+QString RangeOfCaption(const QString& caption) {
+    static const QRegularExpression pair(
+        R"(^\(?\s*([0-9A-Fa-f]+)\s*(?:-|--|to)\s*([0-9A-Fa-f]+)\s*\)?$)");
+    const QString text = caption.simplified();
+    const QRegularExpressionMatch match = pair.match(text);
+    return match.hasMatch() ? RangeText(match.captured(1), match.captured(2)) : text;
 }
 
 int KeyAsciiOf(const QKeyEvent* event) {

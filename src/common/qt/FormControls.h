@@ -2,6 +2,7 @@
 // Small bridges between the pure input routines and Qt widgets.
 
 #include <QString>
+#include <initializer_list>
 
 class QKeyEvent;
 class QLineEdit;
@@ -11,6 +12,25 @@ namespace gantrix {
 
 // The string table's text of id, for a caption.
 QString ResText(int id);
+
+// What a screen reader reads for a field: its name, built from the captions that the window
+// shows beside it (frame, row, column), and its range when it has one. name and range are
+// kept as given; a spin button's arrows are named after it ("<name>, up" / "<name>, down"),
+// and an editable combo box's text box takes the combo box's name.
+void NameField(QWidget* field, const QString& name, const QString& range = {});
+
+// Captions joined into one field name with ", ": blanks and line breaks inside a caption
+// become single blanks and empty captions are left out ("Number of Points (Multiples of 16)",
+// " No." + "3" -> "No. 3").
+QString FieldName(std::initializer_list<QString> captions);
+
+// A range as a screen reader reads it: "0 to 2047".
+QString RangeText(const QString& low, const QString& high);
+QString RangeText(long low, long high);
+
+// The range a caption such as " (0-8) " or "(1 to 200)" shows, read out: "0 to 8"; the
+// caption's text itself (blanks trimmed) when it is no such pair.
+QString RangeOfCaption(const QString& caption);
 
 // The character code a key press delivers: Enter 13, Backspace 8, a typed character as its
 // code point (letters outside ASCII too, so that the filters refuse them rather than let them

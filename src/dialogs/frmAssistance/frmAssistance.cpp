@@ -109,6 +109,7 @@ void frmAssistance::BuildControls() {
     stepRow->addWidget(StepRelayFlag);
     stepRow->addSpacing(12);
     stepRelayCaption_ = label(layout_.extended ? ids::RangeForS : ids::StartNoOfS);
+    stepRelayCaption_->setBuddy(Text1[0]);
     stepRow->addWidget(stepRelayCaption_);
     stepRow->addLayout(boxed(Text1[0], VScroll1[0]));
     stepRelayDash_ = label(ids::RangeDash);
@@ -121,7 +122,9 @@ void frmAssistance::BuildControls() {
     const int contactCaptions[2] = {ids::RunContact, ids::PauseContact};
     for (int i = 0; i < 2; ++i) {
         if (i > 0) contactRow->addSpacing(16);
-        contactRow->addWidget(label(contactCaptions[i]));
+        QLabel* contact = label(contactCaptions[i]);
+        contact->setBuddy(Text2[i]);
+        contactRow->addWidget(contact);
         contactRow->addSpacing(4);
         contactRow->addWidget(label(ids::DeviceX));
         contactRow->addLayout(boxed(Text2[i], VScroll2[i]));
@@ -156,7 +159,9 @@ void frmAssistance::BuildControls() {
     watchdogRow_ = new QWidget(this);
     auto* watchdog = new QHBoxLayout(watchdogRow_);
     watchdog->setContentsMargins(0, 0, 0, 0);
-    watchdog->addWidget(label(ids::WdtSetting));
+    QLabel* watchdogCaption = label(ids::WdtSetting);
+    watchdogCaption->setBuddy(Text3);
+    watchdog->addWidget(watchdogCaption);
     watchdog->addLayout(boxed(Text3, VScroll3));
     watchdog->addWidget(label(ids::WdtRange));
     watchdog->addWidget(label(ids::WdtUnit));
@@ -250,6 +255,46 @@ void frmAssistance::BuildControls() {
         }
     }
     SetFieldOrder(std::move(order));
+    NameFields(firstRelay, lastRelay, context.DeviceMaxSize['X'] - 1);
+}
+
+// What a screen reader reads for each field: its frame or row caption, the option's own
+// caption, and the range of a number.
+void frmAssistance::NameFields(int firstRelay, int lastRelay, int lastInput) {
+    const auto name = [](QWidget* box, QWidget* spin, const QString& text, const QString& range) {
+        NameField(box, text, range);
+        NameField(spin, text, range);
+    };
+    const QString relays = stepRelayCaption_->text();
+    const QString relayRange = RangeText(firstRelay, lastRelay);
+    // The extended types set a range of step relays, the others its first relay only.
+    const QString first = layout_.extended ? ResText(ids::AccessibleStart) : QString();
+    name(Text1[0], VScroll1[0], FieldName({relays, first}), relayRange);
+    name(Text1[1], VScroll1[1], FieldName({relays, ResText(ids::AccessibleEnd)}), relayRange);
+    const int contacts[2] = {ids::RunContact, ids::PauseContact};
+    for (int i = 0; i < 2; ++i) {
+        name(Text2[i], VScroll2[i], FieldName({ResText(contacts[i]), ResText(ids::DeviceX)}),
+             RangeText("0", QString::number(lastInput, 16).toUpper()));
+    }
+    name(Text3, VScroll3, FieldName({ResText(ids::WdtSetting), ResText(ids::WdtUnit)}),
+         RangeOfCaption(ResText(ids::WdtRange)));
+    NameField(StepRelayFlag, StepRelayFlag->text());
+    NameField(EndManageFlag, EndManageFlag->text());
+    NameField(CommentFlag, FieldName({commentFrame_->title(), CommentFlag->text()}));
+    for (QRadioButton* option : OutputMode) {
+        NameField(option, FieldName({ResText(ids::OutputModeAtStopToRun), option->text()}));
+    }
+    const std::array<std::array<QRadioButton*, 2>*, 4> errorOptions = {&FuseCut, &CalcErr, &IOErr,
+                                                                       &ActErr};
+    for (int k = 0; k < 4; ++k) {
+        for (QRadioButton* option : *errorOptions[k]) {
+            NameField(option, FieldName({ResText(ids::OperatingModeAtError),
+                                         ResText(kErrorCaptions[k]), option->text()}));
+        }
+    }
+    for (QRadioButton* option : XYControl) {
+        NameField(option, FieldName({xyFrame_->title(), option->text()}));
+    }
 }
 
 // Controls a CPU type does not have are hidden themselves too, so nothing gives them the focus.

@@ -72,6 +72,7 @@ class frmAssistance : public DialogBase {
     };
 
     void BuildControls();
+    void NameFields(int firstRelay, int lastRelay, int lastInput);
     void ShowLayout();
     void ShowFields(const AssistanceFields& fields);
     void EnableStepRelayBoxes();

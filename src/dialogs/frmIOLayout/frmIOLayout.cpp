@@ -88,6 +88,7 @@ void frmIOLayout::BuildControls() {
             // Codes come from the key entry only: no pasting or dropping of other text.
             Text1[i]->setContextMenuPolicy(Qt::NoContextMenu);
             Text1[i]->setAcceptDrops(false);
+            SlotNo[i]->setBuddy(Text1[i]);
             grid->addWidget(SlotNo[i], r + 1, 3 * c, Qt::AlignRight);
             grid->addWidget(Text1[i], r + 1, 3 * c + 1, Qt::AlignHCenter);
             OnKeyPress(Text1[i], [this, i](int& key) { Text1_KeyPress(i, key); });
@@ -137,6 +138,11 @@ void frmIOLayout::FillPage() {
     for (int i = 0; i < kSlotsPerPage; ++i) {
         SlotNo[i]->setText(QString::number(start + i));
         Text1[i]->setText(QString::fromStdString(slots_.codes[start + i]));
+        // A screen reader reads the slot the field shows on this page, and the keys it takes.
+        NameField(
+            Text1[i],
+            FieldName({ResText(ids::SlotNo) + " " + SlotNo[i]->text(), ResText(ids::IoModule)}),
+            ResText(ids::SlotKeyHint));
     }
     PageMarker->setText(QString::number(start));
     ChangePage->setText(ResText(page_ == 0 ? ids::Next : ids::IoAssignmentPrevious));

@@ -24,6 +24,7 @@ frmInterruptCounter::frmInterruptCounter(ModuleState& state)
     for (int k = 0; k < kInterruptCounters; ++k) {
         PointerFlag[k] = new QCheckBox(QString::fromStdString(PointerFlagCaption(k)), this);
         PointerFlag[k]->setObjectName(QString("PointerFlag(%1)").arg(k));
+        NameField(PointerFlag[k], PointerFlag[k]->text());
         Label1[k] = new QLabel(this);
         Label1[k]->setObjectName(QString("Label1(%1)").arg(k));
         Label1[k]->setFont(fixed);
@@ -61,7 +62,7 @@ InterruptCounterFields frmInterruptCounter::Fields() const {
 void frmInterruptCounter::ShowFields(const InterruptCounterFields& f) {
     for (int k = 0; k < kInterruptCounters; ++k) {
         PointerFlag[k]->setChecked(f.PointerFlag[k]);
-        Label1[k]->setText(QString::fromStdString(PointerLabel(k, f.PointerFlag[k])));
+        ShowPointerLabel(k);
     }
 }
 
@@ -78,8 +79,15 @@ void frmInterruptCounter::SetDefaultOfInterruptCounter() {
 }
 
 void frmInterruptCounter::PointerFlag_Click(int k) {
-    Label1[k]->setText(QString::fromStdString(PointerLabel(k, PointerFlag[k]->isChecked())));
+    ShowPointerLabel(k);
     DataChanged = true;
+}
+
+// The counter beside a flag; a screen reader reads it as the flag's description.
+void frmInterruptCounter::ShowPointerLabel(int k) {
+    const QString text = QString::fromStdString(PointerLabel(k, PointerFlag[k]->isChecked()));
+    Label1[k]->setText(text);
+    PointerFlag[k]->setAccessibleDescription(text.simplified());
 }
 
 void frmInterruptCounter::PointerFlag_KeyPress(int k, int& keyAscii) {

@@ -45,6 +45,7 @@ class frmInterruptCounter : public DialogBase {
 
   private:
     void ShowFields(const InterruptCounterFields& fields);
+    void ShowPointerLabel(int k);
     void PointerFlag_KeyPress(int k, int& keyAscii);
 };
 

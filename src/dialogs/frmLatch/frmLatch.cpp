@@ -87,6 +87,7 @@ void frmLatch::BuildControls() {
             VScroll1[i]->SetSmallChange(1);
             grid->addWidget(Text1[i], line, 1 + 3 * side);
             grid->addWidget(VScroll1[i], line, 2 + 3 * side);
+            NameBox(i);
 
             connect(Text1[i], &QLineEdit::textChanged, this,
                     [this, i] { Guard([this, i] { Text1_Change(i); }); });
@@ -135,6 +136,24 @@ void frmLatch::BuildControls() {
     std::vector<QWidget*> order(Text1.begin(), Text1.end());
     order.insert(order.end(), ChangeLatch.begin(), ChangeLatch.end());
     SetFieldOrder(order);
+}
+
+// What a screen reader reads for box i: its row caption (the second timer and counter block
+// told apart from the first), start or end, and the row's range when it has one.
+void frmLatch::NameBox(int i) {
+    const int r = i / 2;
+    const QString name =
+        FieldName({ResText(kRowCaptions[r]), r >= 8 ? ResText(ids::AccessibleSecondBlock) : "",
+                   ResText(i % 2 == 0 ? ids::AccessibleStart : ids::AccessibleEnd)});
+    const LatchRowLimit& limit = limits_.row.at(static_cast<size_t>(r));
+    const bool hex = IsHexLatchBox(i);
+    const QString range = limit.Exists()
+                              ? RangeText(QString::fromStdString(LatchBoxText(limit.low, hex)),
+                                          QString::fromStdString(LatchBoxText(limit.high, hex)))
+                              : QString();
+    NameField(Text1[i], name, range);
+    NameField(VScroll1[i], name, range);
+    if (i % 2 == 0) Label1[r]->setBuddy(Text1[i]);
 }
 
 LatchFields frmLatch::FieldsOfControls() const {

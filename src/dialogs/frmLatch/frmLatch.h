@@ -51,6 +51,7 @@ class frmLatch : public DialogBase {
 
   private:
     void BuildControls();
+    void NameBox(int i);
     LatchFields FieldsOfControls() const;
     void ShowFields(const LatchFields& fields);
     void LockTypedRanges();

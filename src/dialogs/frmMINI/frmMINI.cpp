@@ -156,6 +156,24 @@ void frmMINI::BuildControls() {
     std::vector<QWidget*> order = {Text1};
     order.insert(order.end(), Text2.begin(), Text2.end());
     SetFieldOrder(order);
+    NameFields();
+}
+
+// What a screen reader reads for each field: the count with its range; a cell by its module and
+// column, with the help lines that the dialog shows for it as its description.
+void frmMINI::NameFields() {
+    NameField(Text1, Label1[0]->text(), RangeOfCaption(Label1[1]->text()));
+    NameField(VScroll1, Label1[0]->text(), RangeOfCaption(Label1[1]->text()));
+    Label1[0]->setBuddy(Text1);
+    for (int i = 0; i < kMiniCells; ++i) {
+        const int f = i % kMiniFieldsPerRow;
+        const QString module =
+            ResText(ids::Module) + " " + QString::number(i / kMiniFieldsPerRow + 1);
+        QStringList help;
+        const std::vector<int> lines = HelpLines(f);
+        for (size_t j = 1; j < lines.size(); ++j) help << ResText(lines[j]).simplified();
+        NameField(Text2[i], FieldName({module, ResText(ColumnCaption(f))}), help.join(", "));
+    }
 }
 
 int frmMINI::CellIndex(const QObject* widget) const {

@@ -56,6 +56,7 @@ class frmMINI : public DialogBase {
 
   private:
     void BuildControls();
+    void NameFields();
     int CellIndex(const QObject* widget) const;
 
     void Text1_Change();

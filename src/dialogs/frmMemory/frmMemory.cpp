@@ -191,6 +191,7 @@ void frmMemory::LayOut() {
         unit->setText(ResText(unitId));
         grid->addWidget(unit, 0, 1);
         *range = NewLabel(frame, name + "Range");
+        (*range)->setBuddy(edit);
         grid->addWidget(*range, 0, 2);
         if (points != nullptr) {
             *points = NewLabel(frame, name + "Points");
@@ -329,6 +330,47 @@ void frmMemory::SetCaptions() {
     ProgramRow[3]->setText(ResText(ids::Sub3));
 }
 
+// What a screen reader reads for each field: its frame, row and column with the unit, and the
+// range that the captions show.
+void frmMemory::NameFields() {
+    const bool a0j = State().CpuType == "A0J";
+    const QString program = ResText(ids::ProgramSize);
+    // "Sequence (1 -- 30)": the range follows the column's own caption.
+    const auto rangeAfter = [](const QLabel* header, int captionId) {
+        return RangeOfCaption(header->text().mid(ResText(captionId).size()));
+    };
+    const QString sequenceRange =
+        a0j ? RangeOfCaption(sequenceRange_->text()) : rangeAfter(SequenceHeader, ids::Sequence);
+    const QString microRange = rangeAfter(MicroHeader, ids::Microcomputer);
+    const auto name = [this](int control, const QString& text, const QString& range) {
+        NameField(TextOf(control), text, range);
+        NameField(ScrollOf(control), text, range);
+    };
+    for (int r = 0; r < 4; ++r) {
+        const QString row = a0j ? QString() : ProgramRow[r]->text();
+        name(kRowSequence[r],
+             FieldName({program, row, ResText(ids::Sequence), ResText(ids::KSteps)}),
+             sequenceRange);
+        if (r < 2) {
+            name(kRowMicro[r],
+                 FieldName({program, row, ResText(ids::Microcomputer), ResText(ids::KBytes)}),
+                 microRange);
+        }
+        ProgramRow[r]->setBuddy(TextOf(kRowSequence[r]));
+    }
+    if (a0j) SequenceHeader->setBuddy(Text1[kMain]);
+    name(kComment, FieldName({ResText(ids::CommentSize), ResText(ids::KBytes)}),
+         RangeOfCaption(ResText(ids::CommentRange)));
+    name(kExtComment, FieldName({ResText(ids::ExtensionCommentSize), ResText(ids::KBytes)}),
+         RangeOfCaption(ResText(ids::ExtensionCommentRange)));
+    name(kFileRegister, FieldName({ResText(ids::FileRegisterCapacity), ResText(ids::KPoints)}),
+         RangeOfCaption(FileRegisterRange->text()));
+    NameField(Text5, FieldName({ResText(ids::MemoryCapacity), ResText(ids::KBytes)}));
+    NameField(SanpFlag, SanpFlag->text());
+    NameField(SlatchDataFlag, FieldName({ResText(ids::StatusLatch), SlatchDataFlag->text()}));
+    NameField(SlatchFileFlag, FieldName({ResText(ids::StatusLatch), SlatchFileFlag->text()}));
+}
+
 void frmMemory::Form_Load() {
     Guard([this] {
         ModuleState& s = State();
@@ -338,6 +380,7 @@ void frmMemory::Form_Load() {
         ReservedK = limits_.ReservedK;
         MainMax = limits_.MainMax;
         SetCaptions();
+        NameFields();
         SetMemorySettings();
     });
 }

@@ -80,6 +80,7 @@ class frmMemory : public DialogBase {
     void BuildControls();
     void LayOut();
     void SetCaptions();
+    void NameFields();
     void Form_Load();
     void PutFields(const MemoryFields& fields);
 

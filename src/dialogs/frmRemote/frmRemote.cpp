@@ -151,6 +151,25 @@ void frmRemote::BuildControls() {
         order.push_back(Text2[e + kRemoteEntries]);
     }
     SetFieldOrder(order);
+    NameFields();
+}
+
+// What a screen reader reads for each field: its caption, or the entry number with its column,
+// and the range or the keys it takes.
+void frmRemote::NameFields() {
+    NameField(Text1, Label1[0]->text(), RangeOfCaption(Label1[1]->text()));
+    NameField(VScroll1, Label1[0]->text(), RangeOfCaption(Label1[1]->text()));
+    Label1[0]->setBuddy(Text1);
+    for (QRadioButton* option : OnlineMode) {
+        NameField(option, FieldName({Frame1->title(), option->text()}));
+    }
+    for (int e = 0; e < kRemoteEntries; ++e) {
+        const QString entry = FieldName({Label2[0]->text() + " " + Label2[6 + e]->text()});
+        NameField(Text2[e], FieldName({entry, Label2[1]->text()}));
+        NameField(Text2[e + kRemoteEntries], FieldName({entry, Label2[2]->text()}),
+                  Label1[3]->text());
+        Label2[6 + e]->setBuddy(Text2[e]);
+    }
 }
 
 RemoteFields frmRemote::Fields() const {

@@ -58,6 +58,7 @@ class frmRemote : public DialogBase {
 
   private:
     void BuildControls();
+    void NameFields();
     void ShowFields(const RemoteFields& fields);
     void FocusSelectedOnlineMode();
     // The cell of the station table at column 0..3 (left start, left protocol, right start,

@@ -17,6 +17,7 @@ frmStepRelay::frmStepRelay(ModuleState& state) : DialogBase(state, "frmStepRelay
     setWindowTitle(ResText(ids::SupplementaryFunctions));
     StepRelayFlag = new QCheckBox(ResText(ids::StepRelaySetting), this);
     StepRelayFlag->setObjectName("StepRelayFlag");
+    NameField(StepRelayFlag, StepRelayFlag->text(), ResText(ids::SwitchBySpaceOrMouse));
     Label1 = new QLabel(ResText(ids::SwitchBySpaceOrMouse), this);
     Label1->setObjectName("Label1");
     MakeStandardButtons(OK, Cancel, nullptr);

@@ -146,7 +146,9 @@ void frmTimerCounter::BuildControls() {
     auto pointsRow = [&](std::vector<QLabel*>& labels, const QString& prefix, QLineEdit* box,
                          SpinButton* spinButton) {
         auto* row = new QHBoxLayout;
-        row->addWidget(label(labels, prefix, ids::NumberOfPoints));
+        QLabel* caption = label(labels, prefix, ids::NumberOfPoints);
+        caption->setBuddy(box);
+        row->addWidget(caption);
         row->addLayout(boxed(box, spinButton));
         row->addStretch();
         return row;
@@ -154,11 +156,15 @@ void frmTimerCounter::BuildControls() {
     auto deviceRow = [&](std::vector<QLabel*>& labels, const QString& prefix, QComboBox* box,
                          QLineEdit* start, SpinButton* startSpin) {
         auto* row = new QHBoxLayout;
-        row->addWidget(label(labels, prefix, ids::DeviceToStoreSettingValue));
+        QLabel* device = label(labels, prefix, ids::DeviceToStoreSettingValue);
+        device->setBuddy(box);
+        row->addWidget(device);
         row->addWidget(box);
         row->addWidget(label(labels, prefix, ids::SetValueDevices));
         row->addSpacing(12);
-        row->addWidget(label(labels, prefix, ids::StartNo));
+        QLabel* startCaption = label(labels, prefix, ids::StartNo);
+        startCaption->setBuddy(start);
+        row->addWidget(startCaption);
         row->addLayout(boxed(start, startSpin));
         row->addWidget(label(labels, prefix, ids::MultiplesOf8));
         row->addStretch();
@@ -209,10 +215,41 @@ void frmTimerCounter::BuildControls() {
     layout->addLayout(StandardButtonRow());
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
+    NameFields();
+
     const std::vector<QWidget*> order = {Text1[0], Text1[1], Text1[2], Text1[3], Text1[4],
                                          Text1[5], Text1[6], Text3,    Combo1,   Text1[7],
                                          Text2[0], Combo2,   Text2[1]};
     SetFieldOrder(order);
+}
+
+// What a screen reader reads for each field: its frame, row and column captions, and the range
+// of its spin button (a start number's range follows its device, so it has none here).
+void frmTimerCounter::NameFields() {
+    const QString timers = ResText(ids::TimerSetting);
+    const QString counters = ResText(ids::CounterSetting);
+    const int kinds[3] = {ids::LowSpeed100ms, ids::HighSpeed10ms, ids::Integration};
+    const auto name = [](const Field& field, const QString& text) {
+        const QString range = field.device != nullptr ? QString()
+                                                      : RangeText(std::min(field.min, field.max),
+                                                                  std::max(field.min, field.max));
+        NameField(field.text, text, range);
+        NameField(field.spin, text, range);
+    };
+    const QString points = ResText(ids::NumberOfPoints);
+    const QString start = FieldName({ResText(ids::StartNo), ResText(ids::MultiplesOf8)});
+    name(fields_[0], FieldName({timers, points}));
+    for (int k = 0; k < 3; ++k) {
+        name(fields_[1 + k], FieldName({timers, ResText(ids::TimerBlockLow), ResText(kinds[k])}));
+        name(fields_[4 + k], FieldName({timers, ResText(ids::TimerBlockHigh), ResText(kinds[k])}));
+    }
+    name(fields_[7], FieldName({timers, start}));
+    name(fields_[8], FieldName({counters, points}));
+    name(fields_[9], FieldName({counters, start}));
+    name(fields_[10], FieldName({timers, ResText(ids::DeviceT), ResText(kinds[0])}));
+    const QString devices = RangeOfCaption(ResText(ids::SetValueDevices));
+    NameField(Combo1, FieldName({timers, ResText(ids::DeviceToStoreSettingValue)}), devices);
+    NameField(Combo2, FieldName({counters, ResText(ids::DeviceToStoreSettingValue)}), devices);
 }
 
 void frmTimerCounter::ShowGroup() {

@@ -71,6 +71,7 @@ class frmTimerCounter : public DialogBase {
     };
 
     void BuildControls();
+    void NameFields();
     void ShowGroup();
     void ShowFields(const TimerCounterFields& fields);
     bool IsHexField(const Field& field) const;

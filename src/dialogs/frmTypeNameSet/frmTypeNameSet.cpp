@@ -57,6 +57,7 @@ void frmTypeNameSet::BuildControls() {
         Combo1[row]->setMinimumContentsLength(kModelNameLength + 2);
         Combo1[row]->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
         Combo1[row]->setMaxVisibleItems(20);
+        Label2[row]->setBuddy(Text1[row]);
         grid->addWidget(Label2[row], row + 1, 0, Qt::AlignRight);
         grid->addWidget(Text1[row], row + 1, 1);
         grid->addWidget(Combo1[row], row + 1, 2);
@@ -118,6 +119,10 @@ void frmTypeNameSet::ShowPage() {
     for (int row = 0; row < kNamesPerPage; ++row) {
         const int slot = pageStart_ + row;
         Label2[row]->setText(QString::number(slot));
+        // A screen reader reads the slot of the row and the column of the field.
+        const QString slotName = ResText(ids::SlotNo) + " " + Label2[row]->text();
+        NameField(Text1[row], FieldName({slotName, ResText(ids::Module)}));
+        NameField(Combo1[row], FieldName({slotName, ResText(ids::ModuleNameColumn)}));
         Text1[row]->setText(QString::fromStdString(slots_.codes[slot]));
         AddName(slots_.codes[slot], row);
         Combo1[row]->setEditText(QString::fromStdString(slots_.names[slot]));
