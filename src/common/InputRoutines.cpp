@@ -18,11 +18,17 @@ std::string Trim(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
+namespace {
+
+// The text from its first character that is not "0"; texts shorter than two characters are
+// kept, and a text of two or more zeros gives "".
 std::string CutLeadingZero(const std::string& text) {
     if (text.size() < 2) return text;
     const auto first = text.find_first_not_of('0');
     return first == std::string::npos ? std::string() : text.substr(first);
 }
+
+}  // namespace
 
 void CheckDecimalText(TextBoxState& box) {
     const int caret = box.caret;

@@ -16,12 +16,8 @@ struct TextBoxState {
 int CheckDecimalKey(int keyAscii);
 
 // Trims the box; any character other than a digit or blank empties it; then leading zeros
-// go (CutLeadingZero). The caret goes back where it was, within the new text.
+// go ("007" gives "7", "00" gives ""). The caret goes back where it was, within the new text.
 void CheckDecimalText(TextBoxState& box);
-
-// The text from its first character that is not "0"; texts shorter than two characters are
-// kept, and a text of two or more zeros gives "".
-std::string CutLeadingZero(const std::string& text);
 
 // Trims and upper-cases the box; any character other than 0-9, A-F or blank empties it.
 void CheckHexText(TextBoxState& box);

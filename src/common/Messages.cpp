@@ -1,6 +1,7 @@
 #include "common/Messages.h"
 
 #include <cstdint>
+#include <optional>
 
 #include "common/ModuleState.h"
 #include "common/StringTable.h"
@@ -51,8 +52,8 @@ constexpr Row kMessages[26] = {
     {ids::DifferentFromCurrentMode, kStyleYesNoNoDefault},      // 25
 };
 
-}  // namespace
-
+// The box of message number (0..25); number 0 carries pendingError as its text. Number 6
+// and numbers outside the table have no box.
 std::optional<MessageBoxLook> MessageBoxOf(int number, const std::string& pendingError) {
     if (number < 0 || number > 25 || number == 6) return std::nullopt;
     MessageBoxLook box;
@@ -75,6 +76,8 @@ std::optional<MessageBoxLook> MessageBoxOf(int number, const std::string& pendin
     }
     return box;
 }
+
+}  // namespace
 
 std::string AnswerText(MessageButton button) {
     switch (button) {

@@ -1,7 +1,6 @@
 #pragma once
 // The numbered message boxes of the component and the one routine that shows them.
 
-#include <optional>
 #include <string>
 
 namespace gantrix {
@@ -33,10 +32,6 @@ class MessagePresenter {
     virtual ~MessagePresenter() = default;
     virtual MessageButton Present(const MessageBoxLook& box) = 0;
 };
-
-// The box of message number (0..25); number 0 carries pendingError as its text. Number 6
-// and numbers outside the table have no box.
-std::optional<MessageBoxLook> MessageBoxOf(int number, const std::string& pendingError);
 
 // "OK", "Cancel", "YES", "No", or "" for no box.
 std::string AnswerText(MessageButton button);

@@ -6,7 +6,10 @@
 #include "platform/excel/Excel.h"
 
 namespace gantrix {
+namespace {
 
+// The first program (0 main, 1..3 sub programs) whose END position exceeds its capacity; -1
+// when none does.
 int FirstExceededEndPosition(const ParameterImage& image, const std::string& cpuType,
                              const std::array<int16_t, 4>& endPosition) {
     static constexpr int kCapacityWord[4] = {64, 66, 134, 136};
@@ -20,6 +23,8 @@ int FirstExceededEndPosition(const ParameterImage& image, const std::string& cpu
     }
     return -1;
 }
+
+}  // namespace
 
 bool CheckEndPlace(ModuleState& state) {
     if (FirstExceededEndPosition(state.image, state.CpuType, state.EndPosition) < 0) return false;

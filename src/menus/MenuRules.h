@@ -11,13 +11,9 @@ namespace gantrix {
 
 struct ModuleState;
 
-// The first program (0 main, 1..3 sub programs) whose END position, in K steps rounded up,
-// is above its capacity word (64, 66, 134, 136); sub programs count only for "A3 ", "A3H",
-// "A3A", "A3U" and "A4U", and positions of 0 or 1 never. -1 when none is.
-int FirstExceededEndPosition(const ParameterImage& image, const std::string& cpuType,
-                             const std::array<int16_t, 4>& endPosition);
-
-// CheckEndPlace: message 9 for the first exceeded END position; true when one was found.
+// CheckEndPlace: message 9 when the END position of a program, in K steps rounded up, is above
+// its capacity word (64 main, 66, 134, 136 sub programs 1..3); sub programs count only for
+// "A3 ", "A3H", "A3A", "A3U" and "A4U", and positions of 0 or 1 never. True when one is.
 bool CheckEndPlace(ModuleState& state);
 
 // The fixed bytes written on OK: 524, 536..543, 2314..2321 (U types) and 182.

@@ -27,10 +27,6 @@ class frmMenu : public FormBase {
     void OK_Click();
     void Cancel_Click();
 
-    // The name under which the dialog registry holds item index's action for the CPU type
-    // of the run; empty when the item does nothing for it.
-    std::string ActionOf(int index) const;
-
     std::array<QPushButton*, 8> MenuItem{};
     QGroupBox* Frame1 = nullptr;
     QLabel* Label1 = nullptr;
@@ -42,6 +38,9 @@ class frmMenu : public FormBase {
     void reject() override;  // the close box and Escape (Form_QueryUnload)
 
   private:
+    // The name under which the dialog registry holds item index's action for the CPU type
+    // of the run; empty when the item does nothing for it.
+    std::string ActionOf(int index) const;
     void Form_Load();
     bool AskBeforeLeaving();
 };
