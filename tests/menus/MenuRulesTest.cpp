@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-
-#include "platform/excel/Excel.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
@@ -58,61 +55,6 @@ TEST(CheckTotalMemory, UTypesStayBelowThirtyOneK) {
     a3.image[72] = 0x12;
     EXPECT_TRUE(CheckTotalMemory(a3));
     EXPECT_EQ(a3.image[72], 0x12);
-}
-
-// A spreadsheet application with one workbook whose "TEMP" sheet holds given cells.
-class FakeSheet : public excel::Worksheet {
-  public:
-    explicit FakeSheet(std::string name) : name_(std::move(name)) {}
-    std::string Name() const override { return name_; }
-    std::string CellText(int row, int column) const override {
-        const auto it = cells.find({row, column});
-        return it == cells.end() ? "" : it->second;
-    }
-    void SetCell(int row, int column, const std::string& value) override {
-        cells[{row, column}] = value;
-    }
-    std::map<std::pair<int, int>, std::string> cells;
-
-  private:
-    std::string name_;
-};
-
-class FakeApplication : public excel::Application, public excel::Workbook {
-  public:
-    std::vector<excel::Workbook*> Workbooks() override { return {this}; }
-    std::string Name() const override { return "dline1parameter mode.xls"; }
-    std::vector<excel::Worksheet*> Worksheets() override { return {&other, &temp}; }
-    excel::Workbook* Open(const std::string&) override { return nullptr; }
-    void Run(const std::string&) override {}
-    void SetVisible(bool) override {}
-    FakeSheet other{"Capacity"}, temp{"TEMP"};
-};
-
-TEST(CheckExcel, BusyWhileAWorkbookOfTheRunIsOpen) {
-    auto app = std::make_shared<FakeApplication>();
-    app->temp.SetCell(1, 1, "Param");
-    excel::RegisterApplicationClass("excel.application", {[app] { return app; }, nullptr});
-    ModuleState state = StateFor("A3 ");
-    ScriptedMessages presenter;
-    state.Presenter = &presenter;
-    EXPECT_FALSE(CheckExcel(state));  // nothing started in this run
-    state.ParamPrintActive = true;
-    state.ParamBookName = app->Name();
-    EXPECT_TRUE(CheckExcel(state));
-    EXPECT_EQ(presenter.Numbers(), std::vector<int>{15});
-    app->temp.SetCell(1, 1, "");
-    EXPECT_FALSE(CheckExcel(state));
-    EXPECT_FALSE(state.ParamPrintActive);
-
-    state.NetEditActive = true;
-    state.NetBookName = app->Name();
-    app->temp.SetCell(29, 1, "NetParam");
-    EXPECT_TRUE(CheckExcel(state));
-    EXPECT_EQ(presenter.Numbers(), (std::vector<int>{15, 5}));
-    excel::RegisterApplicationClass("excel.application", {});
-    EXPECT_FALSE(CheckExcel(state));  // the application is gone
-    EXPECT_FALSE(state.NetEditActive);
 }
 
 }  // namespace

@@ -108,18 +108,6 @@ TEST(frmIOLayout, PagingKeepsTheCodesOfBothPagesAndIsNoEdit) {
     EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
 }
 
-TEST(frmIOLayout, TooManyPointsShowMessage16AndWriteNothing) {
-    IoLayout f("A2 ");                   // 512 I/O points
-    TypeInto(f->Text1[0], "999999999");  // 576
-    PressKey(f->Text1[9], Qt::Key_End);
-    EXPECT_EQ(f.messages.Numbers(), std::vector<int>{16});
-    EXPECT_EQ(f.state.image, f.loaded);
-    PressKey(f->Text1[8], Qt::Key_Delete);  // 512 fit
-    f->OK->click();
-    EXPECT_TRUE(f.Closed());
-    EXPECT_EQ(f.state.image[391], 0x24);
-}
-
 TEST(frmIOLayout, ClearEmptiesEverySlotAndOkWritesIt) {
     IoLayout f("A3 ", [](IoLayout& f) {
         f.state.image[384] = 0x21;

@@ -58,27 +58,51 @@ TEST(frmMemory, EveryEditRecomputesTheTotalAtOnceAndMarksTheDialogChanged) {
     EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
 }
 
-TEST(frmMemory, EnterAndArrowsFollowTheShownFields) {
-    const std::pair<const char*, QStringList> cases[] = {
-        {"A3 ",
-         {"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)", "Text4", "SanpFlag", "SlatchDataFlag",
-          "SlatchFileFlag", "Text2", "Text3", "OK"}},
-        {"A4U",
-         {"Text1(0)", "Text1(1)", "Text1(2)", "Text1(4)", "Text1(5)", "Text4", "Text2", "Text3",
-          "OK"}},
-        {"A0J", {"Text1(0)", "Text2", "Text3", "OK"}},
-    };
-    for (const auto& [cpu, order] : cases) {
-        Memory f(cpu);
-        QStringList seen{test::Focused()};
-        while (seen.size() < order.size()) {
-            PressKey(QApplication::focusWidget(), Qt::Key_Return);
-            seen << test::Focused();
-        }
-        EXPECT_EQ(seen, order) << cpu;
-        PressKey(f->Text2, Qt::Key_Up);
-        EXPECT_EQ(test::Focused(), order[order.indexOf("Text2") - 1]) << cpu;
+// The flows every settings dialog shares, on this one.
+TEST(frmMemory, CancelAsksAfterAnEditClearAsksTooAndTabFollowsTheFieldOrder) {
+    Memory clean("A3 ");
+    clean->Cancel->click();  // nothing edited: closes without a question
+    EXPECT_TRUE(clean.Closed() && clean.messages.shown.empty());
+
+    Memory f("A3 ");
+    QStringList tabs;
+    for (int i = 0; i < 13; ++i) {
+        tabs << test::Focused();
+        PressKey(QApplication::focusWidget(), Qt::Key_Tab);
     }
+    EXPECT_EQ(tabs, (QStringList{"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)", "Text4",
+                                 "SanpFlag", "SlatchDataFlag", "SlatchFileFlag", "Text2", "Text3",
+                                 "OK", "Cancel", "Clear"}));
+    Click(f->VScroll1[1]->UpButton());
+    EXPECT_EQ(test::Focused() + " " + f->Text1[1]->text(), "Text1(1) 1");  // the arrow's box
+    f->Clear->click();  // message 12 answered No by default
+    EXPECT_EQ(f->Text1[1]->text(), "1");
+    f.messages.Then(MessageButton::Yes);
+    PressKey(f->Clear, Qt::Key_Return);
+    EXPECT_EQ(f->Text1[1]->text(), "0");
+    f->Cancel->click();  // No
+    f->close();          // the close box is Cancel too: No
+    EXPECT_FALSE(f.Closed());
+    f.messages.Then(MessageButton::Yes);
+    PressKey(f->Text1[0], Qt::Key_Escape);  // and Escape: Yes
+    EXPECT_TRUE(f.Closed());
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{12, 12, 10, 1, 1, 1}));
+    EXPECT_EQ(f.state.image, f.loaded);
+    EXPECT_FALSE(f.state.ParamChanged || f.state.DataChanged);
+}
+
+TEST(frmMemory, EnterAndArrowsFollowTheShownFields) {
+    Memory f("A3 ");
+    QStringList seen{test::Focused()};
+    for (int i = 0; i < 10; ++i) {
+        PressKey(QApplication::focusWidget(), Qt::Key_Return);
+        seen << test::Focused();
+    }
+    EXPECT_EQ(seen,
+              (QStringList{"Text1(0)", "Text1(1)", "Text1(2)", "Text1(3)", "Text4", "SanpFlag",
+                           "SlatchDataFlag", "SlatchFileFlag", "Text2", "Text3", "OK"}));
+    PressKey(f->Text2, Qt::Key_Up);
+    EXPECT_EQ(test::Focused(), "SlatchFileFlag");
 }
 
 TEST(frmMemory, ShownFieldsAndCaptionsPerCpuType) {
