@@ -23,13 +23,13 @@ class frmMenu : public FormBase {
     // does nothing when the CPU type has none or the dialog has not joined the component.
     void ChangePage(int index);
 
-    void MenuItem_Click(int index);
-    void OK_Click();
-    void Cancel_Click();
-
     // The name under which the dialog registry holds item index's action for the CPU type
     // of the run; empty when the item does nothing for it.
     std::string ActionOf(int index) const;
+
+    void MenuItem_Click(int index);
+    void OK_Click();
+    void Cancel_Click();
 
     std::array<QPushButton*, 8> MenuItem{};
     QGroupBox* Frame1 = nullptr;

@@ -1,9 +1,7 @@
-#include <gtest/gtest.h>
+#include "menus/frmMenu.h"
 
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
-
 #include <cstdio>
 #include <filesystem>
 #include <tuple>
@@ -13,167 +11,134 @@
 #include "print/PrintRules.h"
 #include "print/RecordingExcel.h"
 #include "store/ParameterFiles.h"
+
+#include "platform/rkcmnt/DeviceTable.h"
+#include "support/FormFixture.h"
 #include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
 
 using test::PressKey;
-using test::ScriptedMessages;
-using test::TempProject;
+using Menu = test::Opened<frmMenu>;
 
-// A menu on a project of cpu, as the entry call sets it up, with scripted message boxes.
-struct MenuFixture {
-    TempProject project;
-    ModuleState state;
-    ScriptedMessages messages;
-    std::unique_ptr<frmMenu> menu;
-
-    explicit MenuFixture(const std::string& cpu)
-        : project(cpu), state(test::StateFor(cpu, project.Path())) {
-        state.Presenter = &messages;
-        CopyWorkFiles(state);
-        menu = std::make_unique<frmMenu>(state);
-        menu->show();
+TEST(frmMenu, CaptionsAndOkOnEveryDefaultImageChangesNoByte) {
+    for (std::string_view type : platform::kCpuTypes) {
+        const std::string cpu(type);
+        Menu f(cpu);
+        EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{}) << cpu;
+        f->OK->click();
+        EXPECT_TRUE(f.Closed() && f.state.SaveRequested && f.state.ContentChangeFlag) << cpu;
+        EXPECT_EQ(test::DifferingBytes(f.state.image, test::DefaultImage(cpu)), std::vector<int>{})
+            << cpu;
     }
-    bool Closed() const { return !menu->isVisible(); }
-};
-
-TEST(frmMenu, CaptionsAndTheSmallestCpusDisabledItems) {
-    MenuFixture f("A3 ");
-    EXPECT_EQ(f.menu->windowTitle(), "Parameter");
-    EXPECT_EQ(f.menu->MenuItem[0]->text(), "Memory Capacity Setting");
-    EXPECT_EQ(f.menu->MenuItem[6]->text(), "Parameter setting data printing (Paste to EXCEL)");
-    EXPECT_EQ(f.menu->MenuItem[7]->text(), "Clear All");
-    EXPECT_EQ(f.menu->Cancel->text(), "Cancel");
-    EXPECT_EQ(f.menu->Label1->text(),
+    Menu f("A3 ");
+    EXPECT_EQ(f->MenuItem[6]->text(), "Parameter setting data printing (Paste to EXCEL)");
+    EXPECT_EQ(f->Label1->text(),
               "Network/Link Setting, Parameter Setting\nMicrosoft EXCEL is required\nto execute "
               "Data Printing (Paste to EXCEL)");
 }
 
-TEST(frmMenu, ActionsPerCpuType) {
-    struct Case {
-        const char* cpu;
-        int item;
-        const char* action;
-    };
-    const Case cases[] = {
-        {"A0J", 4, "frmStepRelay"},
-        {"A3 ", 4, "frmAssistance"},
-        {"A9 ", 4, ""},
-        {"A0J", 5, ""},
-        {"A1S", 5, "PrintNetworkSettings(0)"},
-        {"A3A", 5, "frmNetworkMenu"},
-        {"A4U", 5, "PrintNetworkSettings(3)"},
-        {"A9 ", 5, ""},
-        {"A2 ", 0, "frmMemory"},
-        {"A2 ", 3, "frmIOLayout"},
-        {"A2 ", 7, "ClearAllParameters"},
-    };
-    for (const Case& c : cases) {
-        ModuleState state = test::StateFor(c.cpu);
-        frmMenu menu(state);
-        EXPECT_EQ(menu.ActionOf(c.item), c.action) << c.cpu << " item " << c.item;
+// Every dialog the menu opens, left with OK at once on a new project of any CPU type, shows
+// its controls whole and apart and changes no byte.
+TEST(frmMenu, EveryDialogLeftWithOkAtOnceChangesNoByteOfAnyDefaultImage) {
+    for (const char* dialog : {"frmMemory", "frmLatch", "frmTimerCounter", "frmInterruptCounter",
+                               "frmIOLayout", "frmStepRelay"}) {
+        if (!IsDialogRegistered(dialog)) continue;  // built without it
+        for (std::string_view type : platform::kCpuTypes) {
+            const std::string cpu(type);
+            // The menu opens the step relays for the smallest type only.
+            if (dialog == std::string("frmStepRelay") && cpu != "A0J") continue;
+            test::TempProject project(cpu);
+            ModuleState state = test::StateFor(cpu, project.Path());
+            test::ScriptedMessages messages;
+            state.Presenter = &messages;
+            CopyWorkFiles(state);
+            test::ModalDriver driver;
+            driver.On(dialog, [&](QWidget* window) {
+                EXPECT_EQ(test::LayoutFaults(window), std::vector<std::string>{}) << dialog << cpu;
+                PressKey(window, Qt::Key_End);
+            });
+            driver.Run([&] { OpenDialog(dialog, state); });
+            EXPECT_TRUE(messages.shown.empty() && state.ParamChanged) << dialog << cpu;
+            EXPECT_EQ(test::DifferingBytes(state.image, test::DefaultImage(cpu)),
+                      std::vector<int>{})
+                << dialog << cpu;
+        }
     }
 }
 
-TEST(frmMenu, EndPositionBeyondTheMainCapacityKeepsTheMenuOpen) {
-    MenuFixture f("A3 ");
-    f.state.image.SetParamWord(2048, 64);  // 2 K steps
-    f.state.EndPosition = {2049, 0, 0, 0};
-    PressKey(f.menu->MenuItem[3], Qt::Key_End);
-    EXPECT_EQ(f.messages.Numbers(), std::vector<int>{9});
-    EXPECT_FALSE(f.Closed());
-    EXPECT_FALSE(f.state.SaveRequested);
-
-    f.state.EndPosition = {2048, 0, 0, 0};
-    PressKey(f.menu->OK, Qt::Key_Return);  // Enter on OK is OK
-    EXPECT_TRUE(f.Closed());
-    EXPECT_TRUE(f.state.SaveRequested);
-    EXPECT_TRUE(f.state.ContentChangeFlag);
-    EXPECT_EQ(f.menu->result(), QDialog::Accepted);
-}
-
-TEST(frmMenu, SubProgramEndPositionsCountOnlyForTheLargeCpus) {
-    MenuFixture a2("A2 ");
-    a2.state.EndPosition = {0, 30000, 30000, 30000};
-    a2.menu->OK->click();
-    EXPECT_TRUE(a2.Closed());
-    EXPECT_TRUE(a2.messages.shown.empty());
-
-    MenuFixture a3("A3H");
-    a3.state.EndPosition = {0, 30000, 0, 0};
-    a3.menu->OK->click();
-    EXPECT_FALSE(a3.Closed());
-    EXPECT_EQ(a3.messages.Numbers(), std::vector<int>{9});
+// A host's run: a dialog opened from the menu, keys typed over its boxes, End in the dialog
+// and in the menu. "param.tmp" holds what was typed, with fresh check bytes, and nothing else.
+TEST(frmMenu, WhatIsTypedInADialogReachesParamTmp) {
+    using Words = std::vector<std::pair<int, int>>;
+    // clang-format off
+    const struct { const char* cpu; int item; const char* dialog; Words before;
+                   std::vector<std::pair<const char*, const char*>> typed; Words saved; } cases[] = {
+        {"A3 ", 0, "frmMemory", {}, {{"Text1(0)", "12"}}, {{64, 12 * 1024}}},
+        {"A4U", 0, "frmMemory", {}, {{"Text4", "3"}}, {{68, 3 * 1024}}},
+        {"A2U", 1, "frmLatch", {}, {{"Text1(2)", "1a0"}, {"Text1(3)", "1fff"}, {"Text1(12)", "100"},
+                                    {"Text1(13)", "199"}},
+         {{20, 0x1A0}, {22, 0x1FFF}, {40, 100}, {42, 199}}},
+        // A new partition refits the timer latches T0-199 and T200-255.
+        {"A3 ", 2, "frmTimerCounter", {{24, 0}, {26, 199}, {28, 200}, {30, 255}},
+         {{"Text1(2)", "160"}, {"Text1(3)", "240"}}, {{194, 160}, {196, 240}, {26, 159}, {30, 239}}},
+        {"A0J", 4, "frmStepRelay", {}, {{"StepRelayFlag", " "}}, {{18, 1535}}},
+    };
+    // clang-format on
+    for (const auto& c : cases) {
+        if (!IsDialogRegistered(c.dialog)) continue;
+        test::TempProject project(c.cpu);
+        ParameterImage image = project.ParamTmp();
+        image[525] ^= 0x5A;  // the check bytes must be recomputed
+        for (const auto& [index, value] : c.before) image.SetParamWord(value, index);
+        project.SetParamTmp(image);
+        test::ModalDriver driver;
+        driver.On("frmMenu", [&c](QWidget* menu) {
+            PressKey(test::Child(menu, QString("MenuItem(%1)").arg(c.item)), Qt::Key_Return);
+        });
+        driver.On(c.dialog, [&c](QWidget* dialog) {
+            for (const auto& [box, keys] : c.typed) {
+                QWidget* control = test::Child(dialog, box);
+                control->setFocus();
+                if (auto* edit = qobject_cast<QLineEdit*>(control)) edit->selectAll();
+                QTest::keyClicks(control, keys);
+            }
+            PressKey(dialog, Qt::Key_End);
+        });
+        driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+        const test::RunOutcome run = test::RunParameterMode(project, driver);
+        EXPECT_EQ(run.result, 1) << c.dialog << run.error;
+        EXPECT_TRUE(run.contentChanged);
+        EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), test::SavedWith(image, c.cpu, c.saved)),
+                  std::vector<int>{})
+            << c.dialog << " " << c.cpu;
+        EXPECT_FALSE(project.Exists("param.$$$"));
+    }
 }
 
 TEST(frmMenu, OkWritesTheFixedBytesAndTakesOverTheNetworkData) {
-    MenuFixture f("A3A");
-    ParameterImage work = f.state.image;
-    work[1500] = 0x42;  // edited in the spreadsheet
-    work[100] = 0x42;   // main area: never taken from the working file
-    f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
-    f.state.image[524] = 9;
-    f.menu->OK->click();
+    Menu f("A3A", [](Menu& f) {
+        std::vector<uint8_t> work = f.project.Read("param.tmp");
+        work[1500] = 0x42;  // edited in the spreadsheet
+        work[100] = 0x42;   // main area: never taken from the working file
+        f.project.Write("param.tmp", work);
+        f.state.image[524] = 9;
+    });
+    PressKey(f->MenuItem[3], Qt::Key_End);
     EXPECT_TRUE(f.Closed());
     EXPECT_EQ(f.state.image[524], 0);
     EXPECT_EQ(f.state.image[1500], 0x42);
     EXPECT_NE(f.state.image[100], 0x42);
 }
 
-TEST(frmMenu, TotalMemoryOfAUTypeAtThirtyOneKStaysOpenWithSaveRequested) {
-    MenuFixture f("A3U");
-    f.state.image.SetParamWord(30 * 1024, 64);
-    f.state.image.SetParamWord(1024, 138);  // 1 K reserved: 31
-    ParameterImage work = f.state.image;
-    f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
-    f.menu->OK->click();
-    ASSERT_EQ(f.messages.Numbers(), std::vector<int>{23});
-    EXPECT_EQ(f.messages.shown[0].caption, "MorvaneR");
-    EXPECT_FALSE(f.Closed());
-    EXPECT_TRUE(f.state.SaveRequested);
-    // A later Cancel leaves the menu without clearing the request.
-    f.menu->Cancel->click();
-    EXPECT_TRUE(f.Closed());
-    EXPECT_TRUE(f.state.SaveRequested);
-}
-
-TEST(frmMenu, CancelAfterClearAllAsksAndNoKeepsTheMenu) {
-    MenuFixture f("A2 ");
-    f.state.image.SetParamWord(1, 64);
-    f.messages.Then(MessageButton::Yes);  // message 12: set back to defaults
-    PressKey(f.menu->MenuItem[7], Qt::Key_Return);
-    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{12, 10}));
-    EXPECT_TRUE(f.state.ParamChanged);
-    EXPECT_EQ(f.state.image.GetParamWord(64), 6144);
-    EXPECT_TRUE(f.project.Exists(kParamWork));
-
-    f.messages.Then(MessageButton::No);
-    f.menu->Cancel->click();
-    EXPECT_FALSE(f.Closed());
-    f.messages.Then(MessageButton::Yes);
-    f.menu->close();  // the close box asks the same
-    EXPECT_TRUE(f.Closed());
-    EXPECT_FALSE(f.state.ParamChanged);
-    EXPECT_FALSE(f.state.SaveRequested);
-    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{12, 10, 1, 1}));
-}
-
-TEST(frmMenu, CancelWithoutChangesLeavesAtOnce) {
-    MenuFixture f("A1 ");
-    PressKey(f.menu->Cancel, Qt::Key_Return);
-    EXPECT_TRUE(f.Closed());
-    EXPECT_TRUE(f.messages.shown.empty());
-    EXPECT_EQ(f.menu->result(), QDialog::Rejected);
-}
-
 // A runtime error ends the menu as Cancel would, and Cancel never takes back a save that
 // the menu's OK has requested: the run saves, and the host's flag says so.
 TEST(frmMenu, ARuntimeErrorAfterOkRequestedTheSaveStillSaves) {
-    TempProject project("A3 ");
+    test::TempProject project("A3 ");
     ParameterImage stale = project.ParamTmp();
-    stale[525] = 0;  // saved means written with fresh check bytes
+    stale[525] = 0;    // saved means written with fresh check bytes,
+    stale[2056] ^= 1;  // the network sum as it was: the working file was not merged
     project.SetParamTmp(stale);
     test::ModalDriver driver;
     driver
@@ -191,54 +156,58 @@ TEST(frmMenu, ARuntimeErrorAfterOkRequestedTheSaveStillSaves) {
     EXPECT_EQ(project.ParamTmp(), test::SavedWith(stale, "A3 ", {}));
 }
 
-TEST(frmMenu, UpAndDownWalkTheEnabledItems) {
-    MenuFixture f("A0J");
-    f.menu->MenuItem[2]->setEnabled(false);
-    f.menu->MenuItem[3]->setEnabled(false);
-    f.menu->MenuItem[1]->setFocus();
-    PressKey(f.menu->MenuItem[1], Qt::Key_Down);
-    EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[4]);
-    PressKey(f.menu->MenuItem[4], Qt::Key_Up);
-    EXPECT_EQ(f.menu->focusWidget(), f.menu->MenuItem[1]);
+TEST(frmMenu, UpAndDownWalkTheEnabledItemsAndTheButtons) {
+    Menu f("A0J");
+    f->MenuItem[2]->setEnabled(false);
+    f->MenuItem[3]->setEnabled(false);
+    f->MenuItem[1]->setFocus();
+    PressKey(f->MenuItem[1], Qt::Key_Down);
+    EXPECT_EQ(test::Focused(), "MenuItem(4)");
+    PressKey(f->MenuItem[4], Qt::Key_Up);
+    EXPECT_EQ(test::Focused(), "MenuItem(1)");
+    PressKey(f->MenuItem[0], Qt::Key_Up);
+    EXPECT_EQ(test::Focused(), "Cancel");
+    PressKey(f->Cancel, Qt::Key_Down);
+    EXPECT_EQ(test::Focused(), "MenuItem(0)");
 }
 
 TEST(frmMenu, NetworkItemByCpuType) {
     for (const auto& [cpu, book, mode] :
          {std::tuple{"A1S", "MORNET.xls", "0"}, std::tuple{"A4U", "MORNET10.xls", "3"}}) {
-        MenuFixture f(cpu);
+        Menu f(cpu);
         test::RecordingExcel excel;
         const std::string name = MakeBookName(f.project.Path(), book);
         f.project.WriteText(name, "workbook");
-        f.menu->MenuItem[5]->click();
+        f->MenuItem[5]->click();
         ASSERT_NE(excel.app->Book(name), nullptr) << cpu;
         EXPECT_EQ(excel.app->Book(name)->cells["B32"], mode);
     }
-    MenuFixture f("A3A");
+    Menu f("A3A");
     test::ModalDriver driver;
     driver.On("frmNetworkMenu",
               [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); });
-    driver.Run([&f] { f.menu->MenuItem[5]->click(); });
+    driver.Run([&f] { f->MenuItem[5]->click(); });
     EXPECT_FALSE(f.Closed());
 }
 
 TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
-    MenuFixture f("A3 ");
+    Menu f("A3 ");
     test::RecordingExcel excel;
     const std::string dir = f.project.Path();
     f.project.WriteText(MakeBookName(dir, "Parameter mode.xls"), "workbook");
     f.project.WriteText(MakeBookName(dir, "MORNET.xls"), "workbook");
-    f.menu->MenuItem[6]->click();
-    f.menu->MenuItem[5]->click();
+    f->MenuItem[6]->click();
+    f->MenuItem[5]->click();
     ASSERT_EQ(excel.app->books.size(), 2u);
-    f.menu->OK->click();
-    f.menu->Cancel->click();
+    f->OK->click();
+    f->Cancel->click();
     excel.app->books.erase(excel.app->books.begin());  // the parameter workbook
-    f.menu->OK->click();
-    f.menu->Cancel->click();
+    f->OK->click();
+    f->Cancel->click();
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{24, 24, 15, 15, 5, 5}));
     EXPECT_FALSE(f.Closed());
     excel.app->books.clear();
-    f.menu->OK->click();
+    f->OK->click();
     EXPECT_TRUE(f.Closed());
     EXPECT_FALSE(f.state.NetEditActive || f.state.ParamPrintActive);
 }
@@ -246,7 +215,7 @@ TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
 // A run ended by a runtime error while its workbook is open (so no CheckExcel let go of the
 // application) still lets go of it: the spreadsheet keeps running, unheld.
 TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
-    TempProject project("A3 ");
+    test::TempProject project("A3 ");
     test::RecordingExcel excel;
     project.WriteText(MakeBookName(project.Path(), "Parameter mode.xls"), "workbook");
     test::ModalDriver driver;
@@ -267,6 +236,14 @@ TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
     EXPECT_EQ(run.result, 0) << run.error;
     ASSERT_EQ(excel.app->books.size(), 1u);
     EXPECT_EQ(excel.app.use_count(), 1);
+}
+
+TEST(frmMenu, CancelWithoutChangesLeavesAtOnce) {
+    Menu f("A3A");
+    PressKey(f->Cancel, Qt::Key_Return);
+    EXPECT_TRUE(f.Closed());
+    EXPECT_EQ(f->result(), QDialog::Rejected);
+    EXPECT_TRUE(f.messages.shown.empty());
 }
 
 }  // namespace

@@ -56,8 +56,6 @@ class DialogBase : public FormBase {
     void FocusNextField(QWidget* from);
     void FocusPreviousField(QWidget* from);
 
-    // The buttons of the dialog; clear may be nullptr.
-    void SetButtons(QPushButton* ok, QPushButton* cancel, QPushButton* clear);
     // Makes the OK, Cancel and (when clear is given) Clear buttons with their captions and
     // object names, and wires them as SetButtons does; the dialog places them.
     void MakeStandardButtons(QPushButton*& ok, QPushButton*& cancel, QPushButton** clear);
@@ -72,6 +70,8 @@ class DialogBase : public FormBase {
     QPushButton* okButton() const { return ok_; }
 
   private:
+    // The buttons of the dialog; clear may be nullptr.
+    void SetButtons(QPushButton* ok, QPushButton* cancel, QPushButton* clear);
     int IndexInOrder(QWidget* widget) const;
 
     std::vector<QWidget*> order_;

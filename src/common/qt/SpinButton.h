@@ -36,9 +36,6 @@ class SpinButton : public QWidget {
     QWidget* TextBox() const { return textBox_; }
     void SetTextBox(QWidget* box) { textBox_ = box; }
 
-    void StepUp();    // the up arrow
-    void StepDown();  // the down arrow
-
     QToolButton* UpButton() const { return up_; }
     QToolButton* DownButton() const { return down_; }
 
@@ -46,6 +43,8 @@ class SpinButton : public QWidget {
     void Change(int value);
 
   private:
+    void StepUp();    // the up arrow
+    void StepDown();  // the down arrow
     int Clamp(int value) const;
     void Move(int value);  // clamps, and emits Change when Value moves
 

@@ -13,8 +13,9 @@ constexpr const char* kKinds = "SXYF";
 constexpr const char* kCounts[] = {"0", "16", "32", "48", "64"};
 constexpr int kNetworkBlockAt = 1024;
 
-}  // namespace
-
+// "S0".."F64" to the slot byte: the kind (S 16, X 32, Y 48, F 64) plus the point step ("0"
+// 0, "16" 1, "32" 2, "48" 3, "64" 4). A code without a kind letter is 0; a kind letter with
+// any other count keeps the bare kind.
 uint8_t EncodeSlotCode(const std::string& code) {
     if (code.empty()) return 0;
     const char* kind = std::char_traits<char>::find(kKinds, 4, code[0]);
@@ -27,6 +28,8 @@ uint8_t EncodeSlotCode(const std::string& code) {
     return static_cast<uint8_t>(byte);
 }
 
+// The slot byte to its code: kind letter then count. A high nibble of 0 gives "" whatever
+// the low nibble; an unknown kind gives the count alone, an unknown step the letter alone.
 std::string DecodeSlotByte(uint8_t byte) {
     const int kind = byte >> 4;
     const int step = byte & 0x0F;
@@ -36,6 +39,8 @@ std::string DecodeSlotByte(uint8_t byte) {
     if (step <= 4) code += kCounts[step];
     return code;
 }
+
+}  // namespace
 
 std::optional<std::string> SlotCodeForKey(int keyAscii) {
     if (keyAscii >= '1' && keyAscii <= '5') return "S" + std::string(kCounts[keyAscii - '1']);
@@ -59,12 +64,17 @@ IOLayoutFields ReadIOLayout(const ParameterImage& image, const DialogContext&) {
     return fields;
 }
 
+namespace {
+
+// The first buffer of RkCheckIoAssign: the slot bytes of slots 0..127, then zeros.
 std::array<uint8_t, kIoCheckBufferSize> IoCheckBuffer(const IOLayoutFields& fields) {
     std::array<uint8_t, kIoCheckBufferSize> buffer{};
     for (int n = 0; n < kSlotCount; ++n) buffer[n] = EncodeSlotCode(fields.codes[n]);
     return buffer;
 }
 
+// The message of an RkCheckIoAssign result: -100 16, -101 17, -102 and -103 18, -104 19;
+// 0 (none) for every other result.
 int IoCheckMessage(int result) {
     switch (result) {
         case -100:
@@ -80,6 +90,8 @@ int IoCheckMessage(int result) {
             return 0;
     }
 }
+
+}  // namespace
 
 ErrorTables ValidateIOLayout(const IOLayoutFields& fields, const ParameterImage& image,
                              const DialogContext&) {

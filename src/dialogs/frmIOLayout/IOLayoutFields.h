@@ -35,28 +35,12 @@ struct IOLayoutFields {
     bool namesEdited = false;
 };
 
-// "S0".."F64" to the slot byte: the kind (S 16, X 32, Y 48, F 64) plus the point step ("0"
-// 0, "16" 1, "32" 2, "48" 3, "64" 4). A code without a kind letter is 0; a kind letter with
-// any other count keeps the bare kind.
-uint8_t EncodeSlotCode(const std::string& code);
-
-// The slot byte to its code: kind letter then count. A high nibble of 0 gives "" whatever
-// the low nibble; an unknown kind gives the count alone, an unknown step the letter alone.
-std::string DecodeSlotByte(uint8_t byte);
-
 // The code the key entry sets for a key: "1".."5" S0..S64, "6".."9" X16..X64, "A".."D"
 // Y16..Y64, "E".."H" F16..F64, letters in either case; nullopt for every other key.
 std::optional<std::string> SlotCodeForKey(int keyAscii);
 
 // Set...Settings: the slot codes of image 384..511 and the names of 640..1023.
 IOLayoutFields ReadIOLayout(const ParameterImage& image, const DialogContext& context);
-
-// The first buffer of RkCheckIoAssign: the slot bytes of slots 0..127, then zeros.
-std::array<uint8_t, kIoCheckBufferSize> IoCheckBuffer(const IOLayoutFields& fields);
-
-// The message of an RkCheckIoAssign result: -100 16, -101 17, -102 and -103 18, -104 19;
-// 0 (none) for every other result.
-int IoCheckMessage(int result);
 
 // Check...Settings: RkCheckIoAssign on the slot bytes and the network block of image (from
 // index 1024 on). The library checks against the CPU given to RkSetupGlobal.

@@ -19,8 +19,6 @@ class frmIOLayout : public DialogBase {
   public:
     explicit frmIOLayout(ModuleState& state);
 
-    // The slot codes and names as the dialog holds them (the page shown may be newer).
-    const IOLayoutFields& Slots() const { return slots_; }
     // 0 on the page of slots 0..63, 64 on the page of slots 64..127.
     int PageStart() const { return page_ * kSlotsPerPage; }
 

@@ -102,6 +102,9 @@ MemoryVisibility VisibleMemoryControls(const std::string& cpu) {
     return v;
 }
 
+namespace {
+
+// The limits of cpu; reservedWord is the word at 138 (as refreshed by the load).
 MemoryLimits MemoryLimitsOf(const std::string& cpu, int reservedWord) {
     MemoryLimits limits;
     if (cpu == "A0J") {
@@ -132,6 +135,8 @@ MemoryLimits MemoryLimitsOf(const std::string& cpu, int reservedWord) {
     }
     return limits;
 }
+
+}  // namespace
 
 int FileRegisterMax(const std::string& cpu) {
     if (CpuIn(cpu, {"A0H", "A1S", "A2C", "A2 "})) return 4;

@@ -79,9 +79,6 @@ MemoryVisibility VisibleMemoryControls(const std::string& cpu);
 // Whether cpu is one of the thirteen CPU types.
 bool IsKnownMemoryCpu(const std::string& cpu);
 
-// The limits of cpu; reservedWord is the word at 138 (as refreshed by the load).
-MemoryLimits MemoryLimitsOf(const std::string& cpu, int reservedWord);
-
 // The highest file register capacity (K points) of cpu; -1 where it has none.
 int FileRegisterMax(const std::string& cpu);
 

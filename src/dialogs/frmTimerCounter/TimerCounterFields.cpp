@@ -118,6 +118,11 @@ Span SpanOf(const TimerCounterFields& f, const int (&fields)[3], int k, long blo
     return span;
 }
 
+// Defined with the other field checks below.
+bool StartNumberCheck(ErrorTables& errors, int control, long value, long lowest, long highest);
+void SetLatch(const TimerCounterFields& fields, ParameterImage& image,
+              const DialogContext& context);
+
 // Checks a set-value device and its start number; true with start set when a device with a
 // valid start number is chosen.
 bool CheckDevice(ErrorTables& errors, const std::string& letter, const std::string& startText,
@@ -169,6 +174,8 @@ bool IsExtended(TimerGroup group) {
     return group == TimerGroup::ExtendedA || group == TimerGroup::ExtendedU;
 }
 
+namespace {
+
 // The U types keep their point counts and devices only from 2304; words 210..216 belong to
 // the A types' layout and are left alone for them.
 PointDeviceWords PointDeviceWordsOf(TimerGroup group) {
@@ -177,12 +184,17 @@ PointDeviceWords PointDeviceWordsOf(TimerGroup group) {
     return {};
 }
 
+}  // namespace
+
 bool IsDeviceLetter(const std::string& letter) {
     return letter == "D" || letter == "W" || letter == "R";
 }
 
 namespace {
 
+// Device codes of the set-value devices, 65535 being no device:
+//   ExtendedA: W 4096..8191, D 8192..14335, R 16384 and above
+//   ExtendedU: W 5120..13311, D 13312..21503, R 32768 and above
 struct CodeRange {
     const char* letter;
     long base;
@@ -198,8 +210,7 @@ const CodeRange* RangesOf(TimerGroup group) {
     return nullptr;
 }
 
-}  // namespace
-
+// -1 for no device.
 int DeviceBase(TimerGroup group, const std::string& letter) {
     const CodeRange* ranges = RangesOf(group);
     if (ranges == nullptr) return -1;
@@ -208,6 +219,11 @@ int DeviceBase(TimerGroup group, const std::string& letter) {
     }
     return -1;
 }
+
+struct DeviceStart {
+    std::string letter;  // "" when the code lies in no range
+    std::string start;   // W in hexadecimal capitals, D and R in decimal
+};
 
 DeviceStart DecodeDeviceCode(TimerGroup group, int code) {
     const CodeRange* ranges = RangesOf(group);
@@ -220,11 +236,14 @@ DeviceStart DecodeDeviceCode(TimerGroup group, int code) {
     return {};
 }
 
+// The code of a letter and start text; 65535 when the letter is no device.
 long EncodeDeviceCode(TimerGroup group, const std::string& letter, const std::string& start) {
     const int base = DeviceBase(group, letter);
     if (base < 0 || start.empty()) return kErased;
     return base + StartNumberOf(letter, start);
 }
+
+}  // namespace
 
 long StartNumberOf(const std::string& letter, const std::string& text) {
     if (letter == "W") {
@@ -325,6 +344,12 @@ TimerCounterFields ReadTimerCounter(const ParameterImage& image, const DialogCon
     return f;
 }
 
+namespace {
+
+// The three field checks. Each marks at most one message against control and returns true
+// when the value passes.
+//
+// Count check: point counts (boundary false) and T256-2047 boundaries (boundary true).
 bool CountCheck(ErrorTables& errors, int control, long value, long lowest, long highest,
                 bool boundary, long timerSize) {
     if (boundary) {
@@ -347,6 +372,7 @@ bool CountCheck(ErrorTables& errors, int control, long value, long lowest, long 
     return true;
 }
 
+// Boundary check: T0-255 boundaries and Text3.
 bool BoundaryCheck(ErrorTables& errors, int control, long value, long lowest, long highest,
                    long timerSize) {
     if (value < 0 || value > timerSize - 1) {
@@ -360,6 +386,7 @@ bool BoundaryCheck(ErrorTables& errors, int control, long value, long lowest, lo
     return true;
 }
 
+// Start-number check of a set-value device.
 bool StartNumberCheck(ErrorTables& errors, int control, long value, long lowest, long highest) {
     if (value > highest) {
         errors.Record(kDeviceNoOutOfRange, control);
@@ -371,6 +398,8 @@ bool StartNumberCheck(ErrorTables& errors, int control, long value, long lowest,
     }
     return true;
 }
+
+}  // namespace
 
 ErrorTables ValidateTimerCounter(const TimerCounterFields& f, const DialogContext& context) {
     ErrorTables errors;
@@ -459,6 +488,10 @@ void WriteTimerCounter(const TimerCounterFields& f, ParameterImage& image,
     SetLatch(f, image, context);
 }
 
+namespace {
+
+// Fits the timer latch pairs (24..34, 48..58) and counter latch pairs (36/38, 60/62) of the
+// latch table to the partition in fields.
 void SetLatch(const TimerCounterFields& f, ParameterImage& image, const DialogContext& context) {
     const TimerGroup group = TimerGroupOf(context.CpuType);
     if (group == TimerGroup::None) return;
@@ -482,6 +515,8 @@ void SetLatch(const TimerCounterFields& f, ParameterImage& image, const DialogCo
     FitPair(image, kCounterLatch, 0, std::min<long>(255, counterPoints - 1));
     FitPair(image, kSecondCounterLatch, 256, counterPoints - 1);
 }
+
+}  // namespace
 
 TimerCounterFields DefaultsTimerCounter(const TimerCounterFields& current,
                                         const DialogContext& context) {

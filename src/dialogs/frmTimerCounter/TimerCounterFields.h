@@ -54,23 +54,9 @@ struct PointDeviceWords {
     int counterPoints = -1;
     int counterDevice = -1;
 };
-PointDeviceWords PointDeviceWordsOf(TimerGroup group);
 
-// Device codes of the set-value devices.
-//   ExtendedA: W 4096..8191, D 8192..14335, R 16384 and above
-//   ExtendedU: W 5120..13311, D 13312..21503, R 32768 and above
-// 65535 is no device.
-int DeviceBase(TimerGroup group, const std::string& letter);  // -1 for no device
-bool IsDeviceLetter(const std::string& letter);               // "D", "W" or "R"
-
-struct DeviceStart {
-    std::string letter;  // "" when the code lies in no range
-    std::string start;   // W in hexadecimal capitals, D and R in decimal
-    bool operator==(const DeviceStart&) const = default;
-};
-DeviceStart DecodeDeviceCode(TimerGroup group, int code);
-// The code of a letter and start text; 65535 when the letter is no device.
-long EncodeDeviceCode(TimerGroup group, const std::string& letter, const std::string& start);
+// "D", "W" or "R": the set-value devices.
+bool IsDeviceLetter(const std::string& letter);
 // A start number's value: hexadecimal for W, decimal otherwise.
 long StartNumberOf(const std::string& letter, const std::string& text);
 std::string FormatStartNumber(const std::string& letter, long value);
@@ -85,23 +71,6 @@ void WriteTimerCounter(const TimerCounterFields& fields, ParameterImage& image,
 // The Clear values; for A0J the fields stay as they are.
 TimerCounterFields DefaultsTimerCounter(const TimerCounterFields& current,
                                         const DialogContext& context);
-
-// Fits the timer latch pairs (24..34, 48..58) and counter latch pairs (36/38, 60/62) of the
-// latch table to the partition in fields.
-void SetLatch(const TimerCounterFields& fields, ParameterImage& image,
-              const DialogContext& context);
-
-// The three field checks. Each marks at most one message against control and returns true
-// when the value passes.
-//
-// Count check: point counts (boundary false) and T256-2047 boundaries (boundary true).
-bool CountCheck(ErrorTables& errors, int control, long value, long lowest, long highest,
-                bool boundary, long timerSize);
-// Boundary check: T0-255 boundaries and Text3.
-bool BoundaryCheck(ErrorTables& errors, int control, long value, long lowest, long highest,
-                   long timerSize);
-// Start-number check of a set-value device.
-bool StartNumberCheck(ErrorTables& errors, int control, long value, long lowest, long highest);
 
 // The lowest start number accepted for a set-value device: any D, W or R number may begin the
 // set-value area, as in a ladder program; only its end is bounded (by the device's size).

@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/rkcmnt/DeviceTable.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
@@ -56,63 +55,55 @@ ParameterImage Erased() {
 }
 
 // clang-format off
-TEST(TimerCounterDevices, CodesDecodePerGroupWithTheirBases) {
-    const auto A = TimerGroup::ExtendedA, U = TimerGroup::ExtendedU;
-    const struct { TimerGroup group; int code; DeviceStart shown; } cases[] = {
-        {U, 13312, {"D", "0"}},    {A, 13312, {"D", "5120"}},
-        {A, 4096, {"W", "0"}},     {A, 8191, {"W", "FFF"}},    {A, 8192, {"D", "0"}},
-        {A, 14335, {"D", "6143"}}, {A, 16384, {"R", "0"}},     {A, 24575, {"R", "8191"}},
-        {A, 4095, {}},             {A, 14336, {}},             {A, 65535, {}},
-        {U, 5120, {"W", "0"}},     {U, 13311, {"W", "1FFF"}},  {U, 21503, {"D", "8191"}},
-        {U, 21504, {}},            {U, 32767, {}},             {U, 32768, {"R", "0"}},
-        {U, 4096, {}},             {TimerGroup::Small, 8192, {}},
+TEST(TimerCounterDevices, StoredAsCodesWithTheBasesOfTheirGroup) {
+    const struct { const char* cpu; int code; const char* shown; } cases[] = {
+        {"A2U", 13312, "D 0"},    {"A3A", 13312, "D 5120"}, {"A3A", 4096, "W 0"},
+        {"A3A", 8191, "W FFF"},   {"A3A", 8192, "D 0"},     {"A3A", 14335, "D 6143"},
+        {"A3A", 16384, "R 0"},    {"A3A", 24575, "R 8191"}, {"A3A", 4095, " "},
+        {"A3A", 14336, " "},      {"A3A", 65535, " "},      {"A3U", 5120, "W 0"},
+        {"A3U", 13311, "W 1FFF"}, {"A3U", 21503, "D 8191"}, {"A3U", 21504, " "},
+        {"A3U", 32767, " "},      {"A3U", 32768, "R 0"},    {"A3U", 4096, " "},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.code);
-        EXPECT_EQ(DecodeDeviceCode(c.group, c.code), c.shown);
-        if (!c.shown.letter.empty()) {
-            EXPECT_EQ(EncodeDeviceCode(c.group, c.shown.letter, c.shown.start), c.code);
-        }
+        SCOPED_TRACE(std::string(c.cpu) + " " + std::to_string(c.code));
+        const int word = TimerGroupOf(c.cpu) == TimerGroup::ExtendedU ? 2306 : 212;
+        ParameterImage image = test::DefaultImage(c.cpu);
+        image.SetParamWord(c.code, word);
+        const TimerCounterFields f = ReadTimerCounter(image, Ctx(c.cpu));
+        EXPECT_EQ(f.Combo1 + " " + f.Text1[7], c.shown);
+        WriteTimerCounter(f, image, Ctx(c.cpu));
+        EXPECT_EQ(image.GetParamWord(word), c.shown == std::string(" ") ? 65535 : c.code);
     }
-    EXPECT_EQ(EncodeDeviceCode(A, "", "100"), 65535);
-    EXPECT_EQ(EncodeDeviceCode(A, "D", ""), 65535);
-    EXPECT_EQ(EncodeDeviceCode(U, "W", "1f"), 5120 + 31);
+    ParameterImage image = test::DefaultImage("A3U");
+    WriteTimerCounter(Edited("A3U", "Combo1=W Text1(7)=1f"), image, Ctx("A3U"));
+    EXPECT_EQ(image.GetParamWord(2306), 5120 + 31);
 }
 // clang-format on
 
+// clang-format off
 TEST(TimerCounterRead, ShowsTheGroupsFieldsAndErasedWordsEmpty) {
     ParameterImage image = Erased();
-    const std::pair<int, int> words[] = {
-        {192, 0},    {194, 160},          {196, 240},        {198, 8},   {200, 256},  {202, 512},
-        {204, 1024}, {210, 1536},         {2304, 1536},      {214, 512}, {2308, 512}, {212, 8292},
-        {216, 4127}, {2306, 13312 + 100}, {2310, 32768 + 40}};
-    for (const auto& [index, value] : words) image.SetParamWord(value, index);
-
-    const TimerCounterFields small = ReadTimerCounter(image, Ctx("A3 "));
-    EXPECT_EQ(small.Text1, (std::array<std::string, 8>{"", "0", "160", "240"}));
-    EXPECT_EQ(small.Text3, "8");
-    EXPECT_EQ(ReadTimerCounter(image, Ctx("A3H")).Text3, "");  // small-fixed: no Text3
-    EXPECT_EQ(ReadTimerCounter(image, Ctx("A0J")), TimerCounterFields{});
-
-    const TimerCounterFields a = ReadTimerCounter(image, Ctx("A3A"));
-    EXPECT_EQ(a.Text1,
-              (std::array<std::string, 8>{"1536", "0", "160", "240", "256", "512", "1024", "100"}));
-    EXPECT_EQ(a.Combo1, "D");
-    EXPECT_EQ(a.Text2, (std::array<std::string, 2>{"512", "1F"}));
-    EXPECT_EQ(a.Combo2, "W");
-    EXPECT_EQ(a.Text3, "");
-    const TimerCounterFields u = ReadTimerCounter(image, Ctx("A2U"));
-    EXPECT_EQ(std::tie(u.Combo1, u.Text1[7], u.Combo2, u.Text2[1]),
-              std::make_tuple("D", "100", "R", "40"));
-
+    for (const auto& [index, value] : {std::pair{192, 0}, {194, 160}, {196, 240}, {198, 8}, {200, 256},
+             {202, 512}, {204, 1024}, {210, 1536}, {2304, 1536}, {214, 512}, {2308, 512}, {212, 8292},
+             {216, 4127}, {2306, 13312 + 100}, {2310, 32768 + 40}}) {
+        image.SetParamWord(value, index);
+    }
+    const std::string partition = "Text1(1)=0 Text1(2)=160 Text1(3)=240 ";
+    const std::string second = "Text1(0)=1536 Text1(4)=256 Text1(5)=512 Text1(6)=1024 Combo1=D Text1(7)=100 Text2(0)=512 ";
+    for (const auto& [cpu, fields] : {std::pair{"A3 ", partition + "Text3=8"}, {"A3H", partition},
+             {"A0J", std::string()}, {"A3A", partition + second + "Combo2=W Text2(1)=1F"},
+             {"A2U", partition + second + "Combo2=R Text2(1)=40"}}) {
+        TimerCounterFields expected;
+        Edit(expected, fields);
+        EXPECT_EQ(ReadTimerCounter(image, Ctx(cpu)), expected) << cpu;
+    }
     // 256 points or fewer hide the T256-2047 values; no points hide the T0-255 ones too.
-    image.SetParamWord(256, 210);
-    EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[4], "");
-    image.SetParamWord(257, 210);
-    EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[4], "256");
-    image.SetParamWord(0, 210);
-    EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[1], "");
+    for (const auto& [points, field, shown] : {std::tuple{256, 4, ""}, {257, 4, "256"}, {0, 1, ""}}) {
+        image.SetParamWord(points, 210);
+        EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[field], shown) << points;
+    }
 }
+// clang-format on
 
 TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
     for (const char* cpu : {"A2A", "A3A", "A2U", "A3U", "A4U"}) {
@@ -127,49 +118,29 @@ TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
         ParameterImage saved = erased;
         WriteTimerCounter(f, saved, Ctx(cpu));
         // Only the point counts get a value; every empty field is stored as 65535.
-        const PointDeviceWords w = PointDeviceWordsOf(TimerGroupOf(cpu));
-        EXPECT_EQ(test::DifferingBytes(erased, saved),
-                  (std::vector<int>{w.timerPoints, w.timerPoints + 1, w.counterPoints,
-                                    w.counterPoints + 1}));
-        EXPECT_EQ(saved.GetParamWord(w.timerPoints), 256);
-        EXPECT_EQ(saved.GetParamWord(w.counterPoints), 256);
+        const bool u = TimerGroupOf(cpu) == TimerGroup::ExtendedU;
+        ParameterImage points = erased;
+        points.SetParamWord(256, u ? 2304 : 210);
+        points.SetParamWord(256, u ? 2308 : 214);
+        EXPECT_EQ(test::DifferingBytes(points, saved), std::vector<int>{});
     }
 }
 
+// clang-format off
 TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
     const std::string partition = "Text1(2)=160 Text1(3)=240 Text3=8 ";
-    const std::string extended = partition +
-                                 "Text1(0)=1024 Text1(4)=256 Text1(5)=512 Combo1=D Text1(7)=100 "
-                                 "Text2(0)=320 Combo2=W Text2(1)=1F";
-    const struct {
-        const char* cpu;
-        std::string edits;
-        std::vector<std::pair<int, int>> words;  // every word that changes, with its value
-    } cases[] = {
+    const std::string extended = partition + "Text1(0)=1024 Text1(4)=256 Text1(5)=512 Combo1=D Text1(7)=100 "
+                                             "Text2(0)=320 Combo2=W Text2(1)=1F";
+    // Every word that changes, with its value.
+    const struct { const char* cpu; std::string edits; std::vector<std::pair<int, int>> words; } cases[] = {
         {"A3 ", partition, {{194, 160}, {196, 240}, {198, 8}}},
         {"A2C", partition, {{194, 160}, {196, 240}}},  // Text3 is the small group's only
         {"A0J", partition, {}},
-        {"A3A",
-         extended,
-         {{194, 160},
-          {196, 240},
-          {200, 256},
-          {202, 512},
-          {210, 1024},
-          {212, 8292},
-          {214, 320},
-          {216, 4127}}},
+        {"A3A", extended, {{194, 160}, {196, 240}, {200, 256}, {202, 512}, {210, 1024},
+                           {212, 8292}, {214, 320}, {216, 4127}}},
         // The U types leave the A types' words 210..216 alone.
-        {"A3U",
-         extended,
-         {{194, 160},
-          {196, 240},
-          {200, 256},
-          {202, 512},
-          {2304, 1024},
-          {2306, 13412},
-          {2308, 320},
-          {2310, 5151}}},
+        {"A3U", extended, {{194, 160}, {196, 240}, {200, 256}, {202, 512}, {2304, 1024},
+                           {2306, 13412}, {2308, 320}, {2310, 5151}}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.cpu);
@@ -181,93 +152,53 @@ TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
         EXPECT_EQ(test::DifferingBytes(expected, after), std::vector<int>{});
     }
 }
-
-TEST(TimerCounterDefaults, ClearValuesPerGroup) {
-    TimerCounterFields filled;
-    Edit(filled,
-         "Text1(0)=512 Text1(1)=8 Text1(2)=16 Text1(3)=24 Text1(4)=256 Text1(5)=272 Text1(6)=288 "
-         "Text1(7)=4 Text2(0)=512 Text2(1)=8 Text3=32 Combo1=D Combo2=R");
-    const struct {
-        const char* cpu;
-        std::string changes;
-    } cases[] = {
-        {"A0J", ""},
-        {"A1S", "Text1(1)=0 Text1(2)=200 Text1(3)= Text3="},
-        {"A3H", "Text1(1)=0 Text1(2)=200 Text1(3)="},
-        {"A2A",
-         "Text1(0)=256 Text1(1)=0 Text1(2)=200 Text1(3)= Text1(4)= Text1(5)= Text1(6)= Text1(7)= "
-         "Combo1= Text2(0)=256 Text2(1)= Combo2="},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.cpu);
-        TimerCounterFields expected = filled;
-        Edit(expected, c.changes);
-        EXPECT_EQ(DefaultsTimerCounter(filled, Ctx(c.cpu)), expected);
-    }
-}
+// clang-format on
 
 // clang-format off
-// Validate reaches the start-number check only with the lowest start 0; its rule for a
-// higher lowest is checked here, with the one-message rule of the other checks.
-TEST(TimerCounterChecks, EachCheckMarksAtMostOneMessage) {
-    ErrorTables e;
-    EXPECT_FALSE(BoundaryCheck(e, 35, 300, 8, 255, 256));  // past T and no multiple of 8
-    EXPECT_FALSE(CountCheck(e, 38, 2049, 272, 511, true, 2048));  // past T, past span, not 16
-    EXPECT_FALSE(StartNumberCheck(e, 40, 4, 8, 6143));
-    EXPECT_FALSE(StartNumberCheck(e, 42, 4, 8, 6143));
-    EXPECT_TRUE(StartNumberCheck(e, 41, 8, 8, 6143));
-    EXPECT_EQ(RecordedOf(e), (Recorded{{7, 35}, {7, 38}, {7, 40}, {7, 42}}));
-    ErrorTables marked;
-    marked.Record(2, 40);  // below the lowest adds nothing to a field already marked
-    EXPECT_FALSE(StartNumberCheck(marked, 40, 4, 8, 6143));
-    EXPECT_EQ(RecordedOf(marked), (Recorded{{2, 40}}));
+TEST(TimerCounterDefaults, ClearValuesPerGroup) {
+    TimerCounterFields filled;
+    Edit(filled, "Text1(0)=512 Text1(1)=8 Text1(2)=16 Text1(3)=24 Text1(4)=256 Text1(5)=272 Text1(6)=288 "
+                 "Text1(7)=4 Text2(0)=512 Text2(1)=8 Text3=32 Combo1=D Combo2=R");
+    for (const auto& [cpu, changes] : {std::pair{"A0J", ""}, {"A1S", "Text1(1)=0 Text1(2)=200 Text1(3)= Text3="},
+             {"A3H", "Text1(1)=0 Text1(2)=200 Text1(3)="},
+             {"A2A", "Text1(0)=256 Text1(1)=0 Text1(2)=200 Text1(3)= Text1(4)= Text1(5)= Text1(6)= Text1(7)= "
+                     "Combo1= Text2(0)=256 Text2(1)= Combo2="}}) {
+        TimerCounterFields expected = filled;
+        Edit(expected, changes);
+        EXPECT_EQ(DefaultsTimerCounter(filled, Ctx(cpu)), expected) << cpu;
+    }
 }
 
 // Controls: Text1(i) 33+i, Text2(0) 41, Text2(1) 42, Text3 43, Combo1 44, Combo2 45.
 TEST(TimerCounterValidate, EachRuleWithItsMessageAndControl) {
     const std::string d512 = "Text1(0)=512 Combo1=D Text1(7)=0 ";
     const struct { const char* cpu; std::string edits; Recorded recorded; } cases[] = {
-        {"A3A", "", {}},
-        {"A3A", "Text1(0)=", {{2, 33}}},
-        {"A3A", "Text1(0)=2064", {{3, 33}}},
-        {"A2U", "Text1(0)=200", {{11, 33}}},
-        {"A3A", "Text2(0)=", {{2, 41}}},
-        {"A3U", "Text2(0)=1040", {{3, 41}}},
-        {"A3U", "Text2(0)=24", {{11, 41}}},
-        // T0-255: each kind 8 above the preceding one, below the following one.
-        {"A3 ", "Text1(3)=256", {{7, 36}}},
-        {"A3 ", "Text1(2)=196", {{11, 35}}},
-        {"A0H", "Text1(2)=0", {{11, 34}, {11, 35}}},
-        {"A3 ", "Text1(3)=200", {{11, 35}, {11, 36}}},
-        {"A3 ", "Text1(1)= Text1(2)=8", {}},  // every kind may be left out,
-        {"A3 ", "Text1(1)= Text1(2)=0", {{11, 35}}},  // but low speed holds T0-7
+        {"A3A", "", {}}, {"A3A", "Text1(0)=", {{2, 33}}}, {"A3A", "Text1(0)=2064", {{3, 33}}},
+        {"A2U", "Text1(0)=200", {{11, 33}}}, {"A3A", "Text2(0)=", {{2, 41}}},
+        {"A3U", "Text2(0)=1040", {{3, 41}}}, {"A3U", "Text2(0)=24", {{11, 41}}},
+        // T0-255: each kind 8 above the preceding one, below the following one; any may be
+        // left out, but low speed holds T0-7; one message a box, past T255 first.
+        {"A3 ", "Text1(3)=260", {{7, 36}}}, {"A3 ", "Text1(2)=196", {{11, 35}}},
+        {"A0H", "Text1(2)=0", {{11, 34}, {11, 35}}}, {"A3 ", "Text1(3)=200", {{11, 35}, {11, 36}}},
+        {"A3 ", "Text1(1)= Text1(2)=8", {}}, {"A3 ", "Text1(1)= Text1(2)=0", {{11, 35}}},
         {"A2C", "Text1(1)= Text1(2)= Text1(3)=", {}},
         {"A3A", "Text1(0)=128", {{11, 35}}},  // the block ends with the points
         {"A3A", "Text1(0)=0", {{11, 34}, {11, 35}}},
-        {"A3 ", "Text3=300", {{7, 43}}},
-        {"A1 ", "Text3=12", {{11, 43}}},
+        {"A3 ", "Text3=300", {{7, 43}}}, {"A1 ", "Text3=12", {{11, 43}}},
         {"A2C", "Text3=12", {}},  // no Text3 in small-fixed
-        // T256-2047: steps of 16 up to the last timer.
+        // T256-2047: steps of 16 up to the last timer, from T272 without low speed.
         {"A3A", d512 + "Text1(4)=256 Text1(5)=384 Text1(6)=496", {}},
-        {"A3A", d512 + "Text1(4)=256 Text1(5)=264", {{11, 38}}},
-        {"A3A", d512 + "Text1(6)=2064", {{7, 39}}},
-        {"A3A", d512 + "Text1(6)=512", {{11, 39}}},
-        {"A3A", d512 + "Text1(5)=256", {{11, 38}}},  // from T272 without low speed
+        {"A3A", d512 + "Text1(4)=256 Text1(5)=264", {{11, 38}}}, {"A3A", d512 + "Text1(6)=2049", {{7, 39}}},
+        {"A3A", d512 + "Text1(6)=512", {{11, 39}}}, {"A3A", d512 + "Text1(5)=256", {{11, 38}}},
         {"A3A", "Text1(4)=256", {{11, 37}}},  // no T256 with 256 points
-        // Set-value devices.
-        {"A3A", "Combo1=D Text1(7)=6144", {{7, 40}}},
-        {"A2A", "Combo1=W Text1(7)=1000", {{7, 40}}},
-        {"A2U", "Combo1=W Text1(7)=1FFF", {}},
-        {"A3A", "Combo2=R", {{2, 42}}},
-        {"A3A", "Text1(7)=8", {{2, 44}}},
-        {"A3A", "Combo2=X", {{11, 45}}},
-        // More than 256 points keep set values in the device: it must be there and hold them.
-        {"A3A", "Text1(0)=512", {{11, 33}}},
-        {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5888", {}},
+        // Set-value devices; more than 256 points keep set values in one, which must hold them.
+        {"A3A", "Combo1=D Text1(7)=6144", {{7, 40}}}, {"A2A", "Combo1=W Text1(7)=1000", {{7, 40}}},
+        {"A2U", "Combo1=W Text1(7)=1FFF", {}}, {"A3A", "Combo1=W Text1(7)=FFF", {}},
+        {"A3A", "Combo2=R", {{2, 42}}}, {"A3A", "Text1(7)=8", {{2, 44}}}, {"A3A", "Combo2=X", {{11, 45}}},
+        {"A3A", "Text1(0)=512", {{11, 33}}}, {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5888", {}},
         {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5889", {{11, 33}}},
         {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=7936", {{11, 41}}},
         {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=8192", {{7, 42}}},
-        {"A3A", "Combo1=W Text1(7)=FFF", {}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.edits);
@@ -291,7 +222,7 @@ std::vector<std::pair<int, std::pair<int, int>>> Pairs(const std::string& text) 
 }
 
 // clang-format off
-TEST(TimerCounterSetLatch, LatchRangesFollowTheNewPartition) {
+TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
     const std::string partition = "Text1(2)=160 Text1(3)=240";
     const struct { const char* cpu; std::string edits, before, after; } cases[] = {
         // Ends past the new boundaries come back; an empty range stays unlatched.
@@ -322,7 +253,7 @@ TEST(TimerCounterSetLatch, LatchRangesFollowTheNewPartition) {
             image.SetParamWord(range.first, pair);
             image.SetParamWord(range.second, pair + 2);
         }
-        SetLatch(f, image, Ctx(c.cpu));
+        WriteTimerCounter(f, image, Ctx(c.cpu));
         for (const auto& [pair, range] : Pairs(c.after)) {
             EXPECT_EQ(std::make_pair(image.GetParamWord(pair), image.GetParamWord(pair + 2)), range)
                 << "pair " << pair;

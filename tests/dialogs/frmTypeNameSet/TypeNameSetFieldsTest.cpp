@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "dialogs/frmTypeNameSet/TypeNameSetFields.h"
+
+#include <gtest/gtest.h>
 
 namespace gantrix {
 namespace {
@@ -16,7 +16,6 @@ TEST(TypeNameSetFields, PackingAndUnpacking) {
         {"AD51S3", {0xC4, 0xE6, 0xA3, 0x0A, 0x8D, 0x40}},
     };
     for (const auto& [name, bytes] : packed) EXPECT_EQ(PackModelName(name), bytes) << name;
-
     const std::pair<ModelNameRecord, const char*> unpacked[] = {
         {{0xC4, 0xE6, 0xC4, 0x05, 0xA9, 0x43}, "AX10"},
         {{0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF}, ""},   // erased
@@ -28,32 +27,7 @@ TEST(TypeNameSetFields, PackingAndUnpacking) {
     for (const auto& [bytes, name] : unpacked) EXPECT_EQ(UnpackModelName(bytes), name);
 }
 
-TEST(TypeNameSetFields, ListsPerSlotCode) {
-    const std::tuple<const char*, size_t, const char*, const char*> lists[] = {
-        {"X16", 9, "AX10", "AX80E"},     {"X32", 6, "AX11", "AX81-S"},
-        {"X64", 2, "AX42", "AX82"},      {"Y16", 13, "AY10", "AY80"},
-        {"Y32", 7, "AY13", "AY81"},      {"Y64", 2, "AY42", "AY72"},
-        {"F32", 20, "AD51S3", "A60MXT"}, {"F48", 1, "PT32S3", "PT32S3"},
-        {"F64", 4, "A81CPU", "AD58"},
-    };
-    for (const auto& [code, count, first, last] : lists) {
-        const auto& names = ModelNamesFor(code);
-        ASSERT_EQ(names.size(), count) << code;
-        EXPECT_EQ(names.front(), first);
-        EXPECT_EQ(names.back(), last);
-        for (const std::string& name : names) {
-            // The list implies the kind: inputs are AX models, outputs AY, functions neither.
-            EXPECT_EQ(name.substr(0, 2) == "AX", code[0] == 'X') << name;
-            EXPECT_EQ(name.substr(0, 2) == "AY", code[0] == 'Y') << name;
-            EXPECT_EQ(UnpackModelName(PackModelName(name)), name);  // every offer is storable
-        }
-    }
-    for (const char* code : {"S0", "S16", "S32", "S48", "S64", "X48", "Y48", "F16", "", "X"}) {
-        EXPECT_TRUE(ModelNamesFor(code).empty()) << code;
-    }
-}
-
-TEST(TypeNameSetFields, NameBoxKeysCleanUpAndPages) {
+TEST(TypeNameSetFields, TheNameBoxKeepsTheAlphabetUpperCasedAndNineCharactersAtMost) {
     const std::tuple<const char*, int, const char*, int> boxes[] = {
         {"ax60-s", 6, "AX60-S", 6}, {"A/B", 2, "AB", 1},  // the caret stays after the A
         {"ab cd", 3, "AB CD", 3},   {"AD62DAS12345", 12, "AD62DAS12", 9},
@@ -66,13 +40,6 @@ TEST(TypeNameSetFields, NameBoxKeysCleanUpAndPages) {
         EXPECT_EQ(box.text, text);
         EXPECT_EQ(box.caret, caretAfter) << typed;
     }
-    for (int key : {int('0'), int('A'), int('z'), int('-'), int(' '), 8})
-        EXPECT_TRUE(IsModelNameKey(key));
-    for (int key : {int('/'), int('_'), 127, 200}) EXPECT_FALSE(IsModelNameKey(key)) << key;
-    // The pages stop at both ends.
-    EXPECT_EQ(NextNamePageStart(48, true), 56);
-    EXPECT_EQ(NextNamePageStart(56, true), 56);
-    EXPECT_EQ(NextNamePageStart(0, false), 0);
 }
 
 }  // namespace

@@ -1,0 +1,129 @@
+#pragma once
+// A form opened as the menu opens it during a run, and what a person checks on it: the
+// focus, the error colour, and a window whose controls neither overlap nor lack a caption.
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QPushButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+#include <functional>
+#include <memory>
+
+#include "store/ParameterFiles.h"
+#include "store/Project.h"
+#include "support/ModalDriver.h"
+#include "support/core/TestSupport.h"
+
+namespace gantrix::test {
+
+// Form on a project of cpu with its working files, the run's module state and scripted
+// message boxes. prepare may change the project's files or the image before the form
+// loads; an unknown CPU type gets an empty directory.
+template <typename Form>
+struct Opened {
+    TempDir project;
+    ModuleState state;
+    ScriptedMessages messages;
+    ParameterImage loaded;  // the image once the form has loaded
+    std::unique_ptr<Form> form;
+
+    explicit Opened(const std::string& cpu, const std::function<void(Opened&)>& prepare = {})
+        : state(StateFor(cpu, project.Path())) {
+        if (IsKnownCpuType(cpu)) CreateProject(cpu, project.Path(), false);
+        state.Presenter = &messages;
+        if (prepare) prepare(*this);
+        if (project.Exists("param.tmp")) CopyWorkFiles(state);
+        form = std::make_unique<Form>(state);
+        loaded = state.image;
+        form->show();
+        form->activateWindow();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    }
+    Form* operator->() const { return form.get(); }
+    bool Closed() const { return !form->isVisible(); }
+};
+
+// Replaces a box's text as a person does: all of it selected and erased, the new text typed.
+inline void Retype(QLineEdit* box, const QString& text) {
+    box->setFocus();
+    box->selectAll();
+    PressKey(box, Qt::Key_Backspace);
+    QTest::keyClicks(box, text);
+}
+
+// Whether a control is painted in the error colour.
+inline bool Yellow(const QWidget* control) {
+    return control->palette().color(QPalette::Base) == QColor(255, 255, 0);
+}
+
+inline QString Focused() {
+    const QWidget* focus = QApplication::focusWidget();
+    return focus ? focus->objectName() : QString();
+}
+
+// Runs body and tells whether it opened a modal window (closing it at once).
+inline bool OpensAModalWindow(const std::function<void()>& body) {
+    bool opened = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (QWidget* modal = QApplication::activeModalWidget()) {
+            opened = true;
+            modal->close();
+        }
+    });
+    watch.start(20);
+    body();
+    return opened;
+}
+
+// What a person would see wrong on a shown window: no title, a control without its caption
+// or too small for it, or two controls on top of each other.
+inline std::vector<std::string> LayoutFaults(QWidget* window) {
+    std::vector<std::string> faults;
+    if (window->windowTitle().isEmpty()) faults.push_back("no title");
+    std::vector<std::pair<QWidget*, QRect>> controls;
+    for (QWidget* w : window->findChildren<QWidget*>()) {
+        if (!(qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
+              qobject_cast<QAbstractButton*>(w) || qobject_cast<QComboBox*>(w) ||
+              qobject_cast<QGroupBox*>(w)) ||
+            !w->isVisible() || qobject_cast<QComboBox*>(w->parentWidget())) {
+            continue;
+        }
+        const std::string name = w->objectName().toStdString();
+        const auto* label = qobject_cast<QLabel*>(w);
+        const auto* button = qobject_cast<QAbstractButton*>(w);
+        if ((label && label->text().trimmed().isEmpty()) ||
+            (button && !qobject_cast<QToolButton*>(w) && button->text().isEmpty())) {
+            faults.push_back(name + " has no caption");
+        }
+        const QSize least = w->minimumSizeHint();
+        const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
+        if (captioned && (w->width() < least.width() || w->height() < least.height())) {
+            faults.push_back(name + " is cut");
+        }
+        controls.emplace_back(w, QRect(w->mapTo(window, QPoint(0, 0)), w->size()));
+    }
+    for (size_t i = 0; i < controls.size(); ++i) {
+        for (size_t j = i + 1; j < controls.size(); ++j) {
+            QWidget* a = controls[i].first;
+            QWidget* b = controls[j].first;
+            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) &&
+                controls[i].second.intersects(controls[j].second)) {
+                faults.push_back(a->objectName().toStdString() + " overlaps " +
+                                 b->objectName().toStdString());
+            }
+        }
+    }
+    return faults;
+}
+
+}  // namespace gantrix::test
