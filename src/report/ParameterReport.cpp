@@ -136,23 +136,11 @@ Sheet MemorySheet(const ParameterImage& stored, const DialogContext& context) {
 }
 
 Sheet LatchSheet(const ParameterImage& image, const DialogContext& context) {
-    static constexpr int kRowCaptions[kLatchRows] = {ids::DeviceL,
-                                                     ids::DeviceB,
-                                                     ids::LowSpeedTimerRow,
-                                                     ids::HighSpeedTimerRow,
-                                                     ids::IntegrationTimerRow,
-                                                     ids::DeviceC,
-                                                     ids::DeviceD,
-                                                     ids::DeviceW,
-                                                     ids::LowSpeedTimerRow,
-                                                     ids::HighSpeedTimerRow,
-                                                     ids::IntegrationTimerRow,
-                                                     ids::DeviceC};
     const LatchFields f = ReadLatch(image, context);
     const LatchLimits limits = LatchRowLimits(image, context);
     Rows rows;
     for (int r = 0; r < LatchRowCount(context.CpuType); ++r) {
-        rows.push_back({Res(kRowCaptions[r]), f.Text1[2 * r], f.Text1[2 * r + 1],
+        rows.push_back({Res(kLatchRowCaptions[r]), f.Text1[2 * r], f.Text1[2 * r + 1],
                         Bare(LatchRangeLabel(limits, r))});
     }
     Sheet sheet = NewSheet(ids::LatchRangeSetting, context);

@@ -12,12 +12,27 @@
 
 #include "common/DialogContext.h"
 #include "common/ErrorTables.h"
+#include "common/StringTable.h"
 #include "store/ParameterImage.h"
 
 namespace gantrix {
 
 inline constexpr int kLatchRows = 12;
 inline constexpr int kLatchBoxes = 2 * kLatchRows;
+
+// The caption of each row: the dialog's row labels and the report's rows.
+inline constexpr int kLatchRowCaptions[kLatchRows] = {ids::DeviceL,
+                                                      ids::DeviceB,
+                                                      ids::LowSpeedTimerRow,
+                                                      ids::HighSpeedTimerRow,
+                                                      ids::IntegrationTimerRow,
+                                                      ids::DeviceC,
+                                                      ids::DeviceD,
+                                                      ids::DeviceW,
+                                                      ids::LowSpeedTimerRow,
+                                                      ids::HighSpeedTimerRow,
+                                                      ids::IntegrationTimerRow,
+                                                      ids::DeviceC};
 inline constexpr int kLatchPatterns = 3;  // "No Latch", "Half Latch", "Full Latch"
 
 // The contents of Text1(0)..Text1(23).

@@ -19,19 +19,6 @@
 namespace gantrix {
 namespace {
 
-constexpr int kRowCaptions[kLatchRows] = {ids::DeviceL,
-                                          ids::DeviceB,
-                                          ids::LowSpeedTimerRow,
-                                          ids::HighSpeedTimerRow,
-                                          ids::IntegrationTimerRow,
-                                          ids::DeviceC,
-                                          ids::DeviceD,
-                                          ids::DeviceW,
-                                          ids::LowSpeedTimerRow,
-                                          ids::HighSpeedTimerRow,
-                                          ids::IntegrationTimerRow,
-                                          ids::DeviceC};
-
 constexpr int kPatternCaptions[kLatchPatterns] = {ids::NoLatch, ids::HalfLatch, ids::FullLatch};
 
 // The boxes the fixed patterns fill: rows 0..7.
@@ -65,7 +52,7 @@ void frmLatch::BuildControls() {
     for (int r = 0; r < kLatchRows; ++r) {
         // The second timer and counter block sits apart from the first.
         const int line = r < 8 ? r : r + 1;
-        Label1[r] = new QLabel(ResText(kRowCaptions[r]), this);
+        Label1[r] = new QLabel(ResText(kLatchRowCaptions[r]), this);
         Label1[r]->setObjectName(QString("Label1(%1)").arg(r));
         Label1[12 + r] = new QLabel(ResText(ids::RangeDash), this);
         Label1[12 + r]->setObjectName(QString("Label1(%1)").arg(12 + r));
@@ -143,7 +130,7 @@ void frmLatch::BuildControls() {
 void frmLatch::NameBox(int i) {
     const int r = i / 2;
     const QString name =
-        FieldName({ResText(kRowCaptions[r]), r >= 8 ? ResText(ids::AccessibleSecondBlock) : "",
+        FieldName({ResText(kLatchRowCaptions[r]), r >= 8 ? ResText(ids::AccessibleSecondBlock) : "",
                    ResText(i % 2 == 0 ? ids::AccessibleStart : ids::AccessibleEnd)});
     const LatchRowLimit& limit = limits_.row.at(static_cast<size_t>(r));
     const bool hex = IsHexLatchBox(i);
