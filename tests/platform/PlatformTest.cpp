@@ -19,6 +19,7 @@ TEST(DefaultImage, CarriesTheCheckBytesOfItsFamilyAndTheNetworkSum) {
         ParameterImage resummed = image;
         SetCheckSum(resummed, cpu, true);
         EXPECT_EQ(test::DifferingBytes(image, resummed), std::vector<int>{}) << cpu;
+        EXPECT_EQ(image[1024], 0) << cpu;  // a new project has no network parameters
     }
     ParameterImage untouched;
     untouched.bytes().fill(3);

@@ -143,6 +143,11 @@ TEST(frmTimerCounter, TheInterruptCounterButtonOpensItsDialogModally) {
         PressKey(Child(w, "PointerFlag(3)"), Qt::Key_Space);
         PressKey(Child(w, "PointerFlag(3)"), Qt::Key_End);
     });
+    f->Text3->setFocus();  // Tab: the last field, the dialog's own button, then OK
+    PressKey(f->Text3, Qt::Key_Tab);
+    EXPECT_EQ(test::Focused(), "InterruptCounter");
+    PressKey(f->InterruptCounter, Qt::Key_Tab);
+    EXPECT_EQ(test::Focused(), "OK");
     driver.Run([&] { PressKey(f->InterruptCounter, Qt::Key_Return); });
     EXPECT_EQ(f.state.image[188], 0xF7);
     EXPECT_FALSE(f.state.DataChanged);  // the timer dialog has no edit of its own
