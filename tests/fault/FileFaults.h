@@ -1,14 +1,12 @@
 #pragma once
-// Fault injection for the file calls on one directory's files. FileFaults.cpp defines open,
-// read, write, rename, unlink, stat, ... (C linkage) over the C library's: linked into a test
-// program they replace the library's for the whole process, built as a module they do the
-// same under LD_PRELOAD.
-//
-// Calls on paths under the armed directory, and on descriptors and DIR streams opened there,
-// are numbered from 1. The at-th of those matching the plan's operation and name fails
-// without being done (errno set; a close still closes), or SIGKILLs the process first.
-// A process whose environment has GANTRIX_FAULT_DIR is armed before main from
-// GANTRIX_FAULT_DIR, _AT, _ERRNO ("EIO", "ENOSPC" or a number), _KILL=1, _OP and _NAME.
+// Fault injection for the file calls on one directory's files: FileFaults.cpp defines open,
+// read, write, rename, unlink, stat, ... over the C library's, for the whole process when
+// linked into a program, or under LD_PRELOAD when built as a module. Calls on paths under
+// the armed directory, and on descriptors and DIR streams opened there, are numbered from
+// 1; the at-th of those matching the plan's operation and name fails without being done
+// (errno set; a close still closes), or SIGKILLs the process first. A process whose
+// environment has GANTRIX_FAULT_DIR is armed before main from GANTRIX_FAULT_DIR, _AT,
+// _ERRNO ("EIO", "ENOSPC" or a number), _KILL=1, _OP and _NAME.
 
 #include <string>
 #include <vector>
@@ -25,13 +23,11 @@ struct Plan {
 };
 
 struct Call {
-    std::string op;
-    std::string path;  // for a rename, its target
+    std::string op, path;  // for a rename, its target
     bool failed = false;
 };
 
 void Arm(const Plan& plan);
-// Stops numbering and returns the calls numbered since Arm.
-std::vector<Call> Disarm();
+std::vector<Call> Disarm();  // stops numbering; the calls numbered since Arm
 
 }  // namespace gantrix::faults
