@@ -172,29 +172,25 @@ void ExpectSafeAfter(const Scenario& scenario, const RunOutcome& outcome, const 
     EXPECT_EQ(outcome.Saved(), after == reference.intended) << outcome.Messages();
     EXPECT_EQ(scenario.project.Read("netpara.tmp"), (std::vector<uint8_t>{1, 2, 3}));
 
-    // A file may stay when its own removal failed; the lock file when any call on it did (a
-    // run cannot tell whether a lock file it failed to lock is another run's).
-    const std::string failedName = failed.path.substr(failed.path.rfind('/') + 1);
-    const std::string leftOver =
-        failed.op == "unlink" || failedName == ".param.lock" ? failedName : "";
-    auto now = Snapshot(scenario.project);
-    const bool leftOverPresent = now.erase(leftOver) > 0;
     if (!outcome.menuShown) {
         // A run ended before its menu is reported once: a runtime error to the host, or one
         // message that is also the run's error description.
         const bool oneBox = outcome.boxes.size() == 1 && outcome.error == outcome.boxes[0];
         EXPECT_TRUE(outcome.status == 0 ? oneBox : outcome.boxes.empty()) << outcome.Messages();
     }
-    std::vector<std::string> listing;
-    for (const auto& [name, bytes] : now) {
-        const bool kept = name == "param.tmp" || name == "netpara.tmp" ||
-                          (name == "temp.dat" && !outcome.menuShown);
-        if (!kept) ADD_FAILURE() << "left behind: " << name;
-        listing.push_back(name);
+    // A file may stay when its own removal failed; the lock file when any call on it did (a
+    // run cannot tell whether a lock file it failed to lock is another run's), needing no word
+    // when its removal failed: the next run takes it over.
+    const std::string failedName = failed.path.substr(failed.path.rfind('/') + 1);
+    const bool mayStay = failed.op == "unlink" || failedName == ".param.lock";
+    std::vector<std::string> listing = scenario.project.List();
+    const bool leftOver = mayStay && std::erase(listing, failedName) > 0;
+    for (const std::string& name : listing) {
+        EXPECT_TRUE(name == "param.tmp" || name == "netpara.tmp" ||
+                    (name == "temp.dat" && !outcome.menuShown))
+            << "left behind: " << name;
     }
-    // A lock file left after its removal failed needs no word: the next run takes it over.
-    const bool reportable =
-        leftOverPresent && !(failed.op == "unlink" && leftOver == ".param.lock");
+    const bool reportable = leftOver && !(failed.op == "unlink" && failedName == ".param.lock");
     if (!outcome.Saved() || !outcome.Messages().empty() || reportable ||
         listing != reference.listing) {
         EXPECT_NE(outcome.Messages().find(NamedFile(failed)), std::string::npos)
