@@ -84,6 +84,16 @@ bool HitFd(const char* op, int fd) {
     return S().armed.load() && Hit(op, PathOf(S().fds, fd));
 }
 
+// A close that fails has still released the descriptor or stream.
+template <typename Real, typename Key>
+int Close(Real real, const char* op, std::map<Key, std::string>& paths, Key key) {
+    const bool fail = S().armed.load() && Hit(op, PathOf(paths, key, true));
+    const int error = errno;
+    const int result = real(key);
+    if (fail) errno = error;
+    return fail ? -1 : result;
+}
+
 const char* Env(const char* name) {
     const char* value = std::getenv(name);
     return value ? value : "";
@@ -171,15 +181,9 @@ int open(const char* path, int flags, ...) {
     return fd;
 }
 
-// A close that fails has still released the descriptor.
 int close(int fd) {
     GANTRIX_REAL(close);
-    const bool fail = S().armed.load() && Hit("close", PathOf(S().fds, fd, true));
-    const int error = errno;
-    const int result = real(fd);
-    if (!fail) return result;
-    errno = error;
-    return -1;
+    return Close(real, "close", S().fds, fd);
 }
 
 DIR* opendir(const char* path) {
@@ -192,18 +196,12 @@ DIR* opendir(const char* path) {
 
 struct dirent* readdir(DIR* dir) {
     GANTRIX_REAL(readdir);
-    if (S().armed.load() && Hit("readdir", PathOf(S().dirs, dir))) return nullptr;
-    return real(dir);
+    return S().armed.load() && Hit("readdir", PathOf(S().dirs, dir)) ? nullptr : real(dir);
 }
 
 int closedir(DIR* dir) {
     GANTRIX_REAL(closedir);
-    const bool fail = S().armed.load() && Hit("closedir", PathOf(S().dirs, dir, true));
-    const int error = errno;
-    const int result = real(dir);
-    if (!fail) return result;
-    errno = error;
-    return -1;
+    return Close(real, "closedir", S().dirs, dir);
 }
 
 }  // extern "C"
