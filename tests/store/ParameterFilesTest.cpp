@@ -18,8 +18,9 @@ TEST(Dir, FindsRegularFilesRegardlessOfCaseAndReturnsTheirSpelling) {
 
 TEST(DeleteWorkFiles, RemovesTheWorkingFilesByTheirComparisons) {
     test::TempDir dir;
-    for (const char* name : {"param.$$p", "TEMP.DAT", "netpara.$$$", "param.$$$", "Netpara.NET",
-                             "param.net", "PARAM.$$$", "param.tmp", "netpara.tmp", "other"}) {
+    for (const char* name :
+         {"param.$$p", "TEMP.DAT", "netpara.$$$", "param.$$$", "Netpara.NET", "param.net",
+          "PARAM.$$$", "NETPARA.$$$", "param.tmp", "netpara.tmp", "other"}) {
         dir.Write(name, {});
     }
     StoreState state;
@@ -27,8 +28,8 @@ TEST(DeleteWorkFiles, RemovesTheWorkingFilesByTheirComparisons) {
     EXPECT_EQ(DeleteWorkFiles(state), std::vector<std::string>{});
     // The exact names go; "temp.dat", "netpara.net" and "param.net" go in any case; an
     // upper-case "PARAM.$$$" is not the working file.
-    EXPECT_EQ(dir.List(),
-              (std::vector<std::string>{"PARAM.$$$", "netpara.tmp", "other", "param.tmp"}));
+    EXPECT_EQ(dir.List(), (std::vector<std::string>{"NETPARA.$$$", "PARAM.$$$", "netpara.tmp",
+                                                    "other", "param.tmp"}));
 }
 
 }  // namespace
