@@ -77,7 +77,7 @@ TEST(TextForm, ExportThenImportGivesTheImageBackByteForByteAndNewProjectsPass) {
     }
 }
 
-// What no dialog of the form test reports: the menu's OK and the file's check bytes.
+// The menu's OK, the file's check bytes, and fields the form test's images do not reach.
 TEST(HeadlessCheck, NamesTheMenuAndTheFileFindings) {
     // clang-format off
     const struct { const char* cpu; int word, value; EndPositions end; const char* dialog; const char* key; int message; } cases[] = {
@@ -85,6 +85,7 @@ TEST(HeadlessCheck, NamesTheMenuAndTheFileFindings) {
         {"A3U", 2434, 60 * 1024, {}, "menu", "", 23},
         {"A3A", 526, 0x1234, {}, "file", "", -1},  // stale check bytes
         {"A2C", 142, 70 * 256 + 1, {}, "remote", "remote.entry.1.start", 11},
+        {"A3U", 2310, 32768 + 9000, {}, "timer", "timer.counter.device.start", 7},  // R9000
     };
     // clang-format on
     for (const auto& c : cases) {
@@ -137,7 +138,6 @@ TEST(HeadlessSet, TypesValuesAsTheDialogTakesThem) {
         {"A2C", {{"remote.entry.2.start", "5"}, {"remote.entry.2.protocol", "1"}}, "remote.entry.2.protocol", "Non-procedure"},
         {"A0J", {{"latch.pattern", "Full Latch"}}, "latch.T.high.start", "80"},
         {"A0J", {{"step_relay.enabled", "on"}}, "step_relay.enabled", "on"},
-        // Module rows come with the count.
         {"A3U", {{"mini.modules", "2"}, {"mini.module.1.start_io", "0"}, {"mini.module.2.start_io", "20"},
                  {"mini.module.2.model", "0"}, {"mini.module.2.stations", "12"}, {"mini.module.2.receive", "x100"}}, "mini.module.2.receive", "X100"},
     };
