@@ -1,13 +1,3 @@
-// The headless check and set against the dialogs themselves: what check reports for an image
-// is what each dialog shows when opened on it and OK is pressed, and set writes the bytes the
-// dialog's OK writes.
-
-#include <gtest/gtest.h>
-
-#include <QApplication>
-#include <QLineEdit>
-#include <QTest>
-#include <QWidget>
 #include <random>
 #include <set>
 
@@ -17,13 +7,10 @@
 #include "headless/Headless.h"
 #include "headless/Page.h"
 #include "store/CheckSum.h"
-#include "support/ModalDriver.h"
-#include "support/core/TestSupport.h"
+#include "support/FormFixture.h"
 
 namespace gantrix {
 namespace {
-
-using headless::Violation;
 
 struct Shown {
     std::set<int> messages;
@@ -57,26 +44,26 @@ Shown OpenAndPressOk(const std::string& cpu, const ParameterImage& image, headle
 }
 
 TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
+    // Plausible numbers in the words of the dialogs: some pass, some do not.
+    static const int kWords[] = {18,  20,  22,  24,  36,  48,  64,   68,   70,   160,
+                                 176, 192, 194, 196, 198, 210, 534,  2304, 2306, 2312,
+                                 142, 143, 158, 384, 386, 212, 2434, 14,   56,   72};
+    static const int kValues[] = {0, 1, 8, 100, 200, 256, 300, 1023, 2047, 9000, 32800};
     std::mt19937 random(7);
     int failing = 0;
     for (const char* cpu : {"A0J", "A2C", "A3 ", "A3U"}) {
         for (int n = 0; n < 3; ++n) {
             ParameterImage image = test::DefaultImage(cpu);
-            // Plausible numbers in the words of the dialogs: some pass, some do not.
-            static const int kWords[] = {18,  20,  22,  24,  36,  48,  64,   68,   70,   160,
-                                         176, 192, 194, 196, 198, 210, 534,  2304, 2306, 2312,
-                                         142, 143, 158, 384, 386, 212, 2434, 14,   56,   72};
-            static const int kValues[] = {0, 1, 8, 100, 200, 256, 300, 1023, 2047, 9000, 32800};
             for (int k = 0; k < 4; ++k) {
                 image.SetParamWord(kValues[random() % std::size(kValues)],
                                    kWords[random() % std::size(kWords)]);
             }
             const DialogContext context = headless::HeadlessContext(cpu);
-            const std::vector<Violation> found = headless::Check(image, context);
+            const auto found = headless::Check(image, context);
             for (const auto& page : headless::PagesFor(context)) {
                 SCOPED_TRACE(std::string(cpu) + " image " + std::to_string(n) + " " + page->Name());
                 Shown expected;
-                for (const Violation& v : found) {
+                for (const headless::Violation& v : found) {
                     if (v.dialog != page->Name()) continue;
                     expected.messages.insert(v.message);
                     if (!v.key.empty()) expected.painted.insert(v.key);
@@ -91,21 +78,16 @@ TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
     EXPECT_GT(failing, 5);  // the corpus has dialogs that refuse as well as ones that pass
 }
 
-// Set types into the field and presses OK as a person does in the dialog: the same bytes
-// change (set adds the check bytes of the save).
+// Set writes the bytes the dialog's OK writes for what is typed, with the save's check bytes.
 TEST(HeadlessSetForm, WritesTheBytesTheDialogsOkWrites) {
-    const struct {
-        const char* cpu;
-        const char* form;
-        const char* control;
-        const char* typed;
-        const char* key;
-    } cases[] = {
+    // clang-format off
+    const struct { const char* cpu; const char* form; const char* control; const char* typed; const char* key; } cases[] = {
         {"A3 ", "frmLatch", "Text1(0)", "1024", "latch.L.start"},
         {"A3 ", "frmAssistance", "Text3", "35", "assist.watchdog"},
         {"A3U", "frmTimerCounter", "Text1(0)", "0", "timer.points"},
         {"A2C", "frmRemote", "Text1", "12", "remote.total"},
     };
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.key);
         ModuleState state = test::StateFor(c.cpu);
@@ -115,21 +97,13 @@ TEST(HeadlessSetForm, WritesTheBytesTheDialogsOkWrites) {
         test::ModalDriver driver;
         driver.On(c.form, [&](QWidget* dialog) {
             auto* box = test::ChildAs<QLineEdit>(dialog, c.control);
-            box->setFocus();
-            box->selectAll();
-            test::PressKey(box, Qt::Key_Backspace);
-            test::TypeKeys(box, c.typed);
+            test::Retype(box, c.typed);
             test::PressKey(box, Qt::Key_Return);  // the focus moves on, as set assumes
             test::PressKey(dialog, Qt::Key_End);
-            if (dialog->isVisible()) {  // refused: leave without the edit
-                messages.Then(MessageButton::Yes);
-                test::PressKey(test::Child(dialog, "Cancel"), Qt::Key_Return);
-            }
         });
         driver.Run([&] { OpenDialog(c.form, state); });
         ASSERT_EQ(messages.Numbers(), std::vector<int>{});
         SetCheckSum(state.image, c.cpu, false);
-
         const auto outcome =
             headless::Set(before, headless::HeadlessContext(c.cpu), {{c.key, c.typed}});
         ASSERT_TRUE(outcome.refusals.empty()) << outcome.refusals[0].text;
