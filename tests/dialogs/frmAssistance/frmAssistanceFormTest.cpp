@@ -4,7 +4,6 @@
 #include <QRadioButton>
 #include <QToolButton>
 
-#include "common/qt/DialogRegistry.h"
 #include "common/qt/SpinButton.h"
 #include "platform/rkcmnt/DeviceTable.h"
 #include "support/FormFixture.h"
@@ -48,14 +47,15 @@ TEST(frmAssistance, ControlsCaptionsAndHintPerCpuType) {
     }
 }
 
-// A default image holds what the dialog writes. The bytes the extended types fix (watchdog 20,
-// direct I/O) and an erased word 14 (read as 2048) are rewritten whatever they held.
-TEST(frmAssistance, OkWithoutEditChangesOnlyTheFixedBytes) {
+// A default image holds what the dialog and its follow-on dialog write. The bytes the extended
+// types fix (watchdog 20, direct I/O) and an erased word 14 (read as 2048) are rewritten.
+TEST(frmAssistance, OkWithoutEditInItAndItsFollowOnChangesOnlyTheFixedBytes) {
     const std::vector<std::pair<int, int>> fixed = {
         {14, 255}, {15, 255}, {160, 50}, {161, 1}, {181, 0}};
     for (std::string_view type : platform::kCpuTypes) {
         const std::string cpu(type);
-        for (bool disturbed : {false, AssistanceLayoutOf(cpu).extended}) {
+        const AssistanceLayout layout = AssistanceLayoutOf(cpu);
+        for (bool disturbed : {false, layout.extended}) {
             if (cpu == "A0J") break;
             SCOPED_TRACE(cpu + (disturbed ? " disturbed" : ""));
             Assistance f(cpu, [disturbed, &fixed](Assistance& f) {
@@ -63,6 +63,10 @@ TEST(frmAssistance, OkWithoutEditChangesOnlyTheFixedBytes) {
                     f.state.image[i] = static_cast<uint8_t>(v);
                 }
             });
+            test::ModalDriver driver;
+            driver.On(QString::fromStdString(layout.followOn),
+                      [](QWidget* followOn) { PressKey(followOn, Qt::Key_End); });
+            if (!layout.followOn.empty()) driver.Run([&] { f->AssistMenuItem->click(); });
             PressKey(f->StepRelayFlag, Qt::Key_End);
             EXPECT_TRUE(f.Closed() && f.messages.shown.empty() && f.state.ParamChanged);
             EXPECT_EQ(test::DifferingBytes(f.state.image, test::DefaultImage(cpu)),
@@ -141,37 +145,52 @@ TEST(frmAssistance, RefusedBoxesArePaintedAndCancelAfterClearLeavesTheImage) {
     EXPECT_EQ(f.state.image, f.loaded);
 }
 
-// Through the menu: step relays from S1536 of an A2 end the latch row L at 1535.
-TEST(frmAssistance, EndToEndStepRelaysOfAnA2EndTheLatchRowL) {
-    if (!IsDialogRegistered("frmLatch")) GTEST_SKIP() << "built without the latch dialog";
-    test::TempProject project("A2 ");
-    QString latchEnd;
-    test::ModalDriver driver;
-    const auto item = [](int n) {
-        return [n](QWidget* menu) {
-            PressKey(Child(menu, QString("MenuItem(%1)").arg(n)), Qt::Key_Return);
-        };
-    };
-    driver.On("frmMenu", item(4))
-        .On("frmAssistance",
-            [](QWidget* dialog) {
-                PressKey(Child(dialog, "StepRelayFlag"), Qt::Key_Space);
-                PressKey(Child(dialog, "StepRelayFlag"), Qt::Key_Return);
-                QTest::keyClicks(QApplication::focusWidget(), "1536");
-                PressKey(QApplication::focusWidget(), Qt::Key_End);
-            })
-        .On("frmMenu", item(1))
-        .On("frmLatch",
-            [&latchEnd](QWidget* latch) {
-                latchEnd = test::ChildAs<QLineEdit>(latch, "Text1(1)")->text();
-                PressKey(Child(latch, "Cancel"), Qt::Key_Return);
-            })
-        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
-    EXPECT_EQ(latchEnd, "1535");
-    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(),
-                                   test::SavedWith(test::DefaultImage("A2 "), "A2 ", {{18, 1535}})),
-              std::vector<int>{});
+// Runs through the menu's Supplementary Functions and, on the types that have one, its
+// follow-on dialog: keys typed from a field on, Enter after each, reach "param.tmp" alone.
+TEST(frmAssistance, EndToEndWhatIsTypedReachesParamTmp) {
+    const std::vector<uint8_t> record = {0x1A, 0x7A, 0x45, 0x0C, 0x10, 0x00,
+                                         0x10, 0x04, 0xC1, 0x0C, 0x0A, 0x0D};
+    // clang-format off
+    const struct { const char* cpu; QString dialog; const char* first; std::vector<const char*> keys;
+                   std::vector<std::pair<int, int>> words; std::vector<int> records; } cases[] = {
+        {"A2 ", "frmAssistance", "StepRelayFlag", {" ", "1536"}, {{18, 1535}}, {}},
+        // Entry 9 at station 21, non-procedure.
+        {"A2C", "frmRemote", "Text2(8)", {"21", "1"}, {{151, 21}, {157, 256}}, {}},
+        // A module in both areas; each cell refuses the keys it does not take.
+        {"A3U", "frmMINI", "Text1", {"1", "1a0g", "0", "12x", "x100", "y100z", "", "1", "0",
+         "m9016", "d9010", "2"}, {{534, 1}, {2312, 1}}, {544, 2322}}};
+    // clang-format on
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.cpu);
+        test::TempProject project(c.cpu);
+        test::ModalDriver driver;
+        driver.On("frmMenu",
+                  [](QWidget* menu) { PressKey(Child(menu, "MenuItem(4)"), Qt::Key_Return); });
+        if (c.dialog != "frmAssistance") {
+            driver.On("frmAssistance", [](QWidget* dialog) {
+                PressKey(Child(dialog, "AssistMenuItem"), Qt::Key_Return);
+            });
+        }
+        driver.On(c.dialog, [&c](QWidget* dialog) {
+            Child(dialog, c.first)->setFocus();
+            for (const char* keys : c.keys) {
+                QTest::keyClicks(QApplication::focusWidget(), keys);
+                PressKey(QApplication::focusWidget(), Qt::Key_Return);
+            }
+            PressKey(dialog, Qt::Key_End);
+        });
+        if (c.dialog != "frmAssistance") {
+            driver.On("frmAssistance", [](QWidget* dialog) { PressKey(dialog, Qt::Key_End); });
+        }
+        driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
+        EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
+        ParameterImage expected = test::DefaultImage(c.cpu);
+        for (int at : c.records)
+            std::copy(record.begin(), record.end(), expected.bytes().begin() + at);
+        EXPECT_EQ(
+            test::DifferingBytes(project.ParamTmp(), test::SavedWith(expected, c.cpu, c.words)),
+            std::vector<int>{});
+    }
 }
 
 }  // namespace

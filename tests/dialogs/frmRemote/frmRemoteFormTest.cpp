@@ -5,7 +5,6 @@
 
 #include "common/qt/SpinButton.h"
 #include "support/FormFixture.h"
-#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -23,13 +22,6 @@ auto Bytes(std::vector<std::pair<int, uint8_t>> bytes) {
     };
 }
 
-TEST(frmRemote, OkWithoutEditChangesNoByteOfTheDefaultImage) {
-    Remote f("A2C");
-    PressKey(f->Text1, Qt::Key_End);
-    EXPECT_TRUE(f.Closed() && f.messages.shown.empty() && f.state.ParamChanged);
-    EXPECT_EQ(test::DifferingBytes(f.state.image, test::DefaultImage("A2C")), std::vector<int>{});
-}
-
 TEST(frmRemote, FreshTableOpensWith64StationsAndRefusesOverlappingEntries) {
     std::vector<std::pair<int, uint8_t>> fresh;
     for (int i = 142; i <= 159; ++i) fresh.push_back({i, 255});
@@ -40,11 +32,16 @@ TEST(frmRemote, FreshTableOpensWith64StationsAndRefusesOverlappingEntries) {
     EXPECT_EQ(test::Focused(), "Text1");
     TypeKeys(f->Text1, "a");  // discarded
     EXPECT_EQ(f->Text1->text(), "64");
+    TypeKeys(f->Text2[14], "1");  // a protocol needs a start
+    EXPECT_EQ(f->Text2[14]->text(), "");
     TypeKeys(f->Text2[0], "6x23");  // a letter is discarded, two digits at most
     PressKey(f->Text2[0], Qt::Key_Return);
-    TypeKeys(QApplication::focusWidget(), "1");  // the protocol beside it
+    TypeKeys(QApplication::focusWidget(), "1a");  // the protocol beside it: 0 or 1
+    for (Qt::Key key : {Qt::Key_Backspace, Qt::Key_Delete}) PressKey(f->Text2[14], key);
     EXPECT_EQ(f->Text2[14]->text(), "Non-procedure");
-    for (int e : {1, 2}) {  // entries 2 and 3 share stations 3 and 4
+    EXPECT_TRUE(f->DataChanged && !f.state.DataChanged);  // its own flag, not the caller's
+    // Entries 2 and 3 share stations 3 and 4.
+    for (int e : {1, 2}) {
         TypeKeys(f->Text2[e], e == 1 ? "1" : "3");
         TypeKeys(f->Text2[e + 14], "0");
     }
@@ -53,29 +50,14 @@ TEST(frmRemote, FreshTableOpensWith64StationsAndRefusesOverlappingEntries) {
     for (int i = 0; i < 28; ++i) EXPECT_EQ(Yellow(f->Text2[i]), i == 0 || i == 2) << i;
     EXPECT_FALSE(f.Closed());
     EXPECT_EQ(f.state.image, f.loaded);
-    f->Text2[2]->clear();
+    f->Text2[2]->clear();  // no start: no protocol
+    EXPECT_EQ(f->Text2[16]->text(), "");
     f->Text2[0]->selectAll();  // replaced at once: emptied, the start would lose its protocol
     TypeKeys(f->Text2[0], "61");
     f->OK->click();
     EXPECT_TRUE(f.Closed() && f.state.ParamChanged);
     EXPECT_EQ(std::vector<int>(f.state.image.data() + 141, f.state.image.data() + 160),
               (std::vector<int>{0, 0, 61, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 64}));
-}
-
-TEST(frmRemote, ProtocolCellsTakeOnlyTheKeys0And1BesideAStart) {
-    Remote f("A2C");
-    QLineEdit* protocol = f->Text2[14 + 3];
-    TypeKeys(protocol, "1");
-    EXPECT_EQ(protocol->text(), "");  // no start yet
-    TypeKeys(f->Text2[3], "12");
-    TypeKeys(protocol, "1a");
-    for (Qt::Key key : {Qt::Key_Backspace, Qt::Key_Delete}) PressKey(protocol, key);
-    EXPECT_EQ(protocol->text(), "Non-procedure");
-    TypeKeys(protocol, "0");
-    EXPECT_EQ(protocol->text(), "MINI Standard");
-    f->Text2[3]->clear();  // no start: no protocol
-    EXPECT_EQ(protocol->text(), "");
-    EXPECT_TRUE(f->DataChanged && !f.state.DataChanged);  // its own flag, not the caller's
 }
 
 TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
@@ -128,33 +110,6 @@ TEST(frmRemote, CancelAfterAnEditAsksAndKeepsTheImage) {
     EXPECT_TRUE(f.Closed());
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{1, 12, 10, 1}));
     EXPECT_EQ(f.state.image, f.loaded);
-}
-
-// Reached through the menu's Supplementary Functions: entry 9 at station 21, non-procedure.
-TEST(frmRemote, EndToEndAnEntryTypedThroughTheMenuReachesParamTmp) {
-    test::TempProject project("A2C");
-    test::ModalDriver driver;
-    driver
-        .On("frmMenu", [](QWidget* menu) { PressKey(Child(menu, "MenuItem(4)"), Qt::Key_Return); })
-        .On("frmAssistance",
-            [](QWidget* assist) {
-                Child(assist, "AssistMenuItem")->setFocus();
-                PressKey(Child(assist, "AssistMenuItem"), Qt::Key_Return);
-            })
-        .On("frmRemote",
-            [](QWidget* remote) {
-                TypeKeys(Child(remote, "Text2(8)"), "21");
-                TypeKeys(Child(remote, "Text2(22)"), "1");
-                PressKey(Child(remote, "Text2(22)"), Qt::Key_End);
-            })
-        .On("frmAssistance", [](QWidget* assist) { PressKey(assist, Qt::Key_End); })
-        .On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
-    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
-    ParameterImage expected = test::DefaultImage("A2C");
-    expected[143 + 8] = 21;
-    expected[158] = 1;  // entry 9's protocol bit
-    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), test::SavedWith(expected, "A2C", {})),
-              std::vector<int>{});
 }
 
 }  // namespace
