@@ -90,53 +90,41 @@ TEST(MiniDeviceCodes, RelayLetterFromWords14To18) {
 
 TEST(MiniChecks, EachCellRule) {
     // clang-format off
-    // Message 0: accepted.
-    const struct { const char* cpu; int field; const char* text; int message; } cases[] = {
+    // Message 0: accepted. Field -1: the number of modules, with an empty module after it.
+    const struct { const char* cpu; int field; const char* text; int message; int rPoints = 0; }
+    cases[] = {
+        {"A3U", -1, "9", 3}, {"A3U", -1, "", 2}, {"A3U", -1, "0", 0},
         {"A3U", kStartIo, "", 2}, {"A3U", kStartIo, "108", 11}, {"A2U", kStartIo, "1000", 3},
         {"A2U", kStartIo, "3F0", 0}, {"A2U", kStartIo, "400", 3}, {"A4U", kStartIo, "FF0", 0},
         {"A2A", kStartIo, "1F0", 0}, {"A2A", kStartIo, "200", 3}, {"A3U", kModel, "", 2},
         {"A3U", kStations, "", 2}, {"A3U", kStations, "64", 0}, {"A3U", kStations, "65", 3},
-        {"A3U", kStations, "------", 3}, {"A3U", kReceive, "X100", 0}, {"A3U", kSend, "X100", 11},
-        {"A3U", kSend, "Y100", 0}, {"A3U", kReceive, "Y100", 11}, {"A3U", kDetection, "X0", 11},
-        {"A3U", kErrorNo, "M100", 11}, {"A3U", kErrorNo, "D9010", 0}, {"A3A", kDetection, "M9016", 0},
-        {"A3A", kDetection, "M9010", 11}, {"A3U", kDetection, "M9256", 3},
-        {"A3U", kErrorNo, "D9256", 3}, {"A3U", kReceive, "M8176", 0}, {"A3U", kReceive, "M8192", 3},
-        {"A3U", kReceive, "L100", 11}, {"A3U", kReceive, "S96", 0}, {"A2A", kReceive, "X200", 3},
-        {"A3U", kReceive, "X108", 11}, {"A3U", kReceive, "DA", 11}, {"A3U", kReceive, "D", 11},
-        {"A3U", kErrorNo, "W1FFF", 0}, {"A3A", kErrorNo, "W1000", 3}, {"A3U", kErrorNo, "T2048", 3},
-        {"A3U", kErrorNo, "C1023", 0}, {"A3U", kErrorNo, "R0", 3},  // no file register by default
-        {"A3U", kRetries, "", 2}, {"A3U", kRetries, "33", 3}, {"A3U", kRetries, "0", 0},
-        {"A3U", kResponse, "", 2}, {"A3U", kResponse, "Hold", 11}, {"A3U", kDataClear, "CPU", 11},
-        {"A3U", kLineError, "Clear", 11}, {"A3U", kLineError, "OFF", 0}};
+        {"A3U", kStations, "------", 3}, {"A3U", kSend, "X100", 11}, {"A3U", kReceive, "Y100", 11},
+        {"A3U", kDetection, "X0", 11}, {"A3U", kErrorNo, "M100", 11}, {"A3U", kErrorNo, "D9010", 0},
+        {"A3A", kDetection, "M9016", 0}, {"A3A", kDetection, "M9010", 11},
+        {"A3U", kDetection, "M9256", 3}, {"A3U", kErrorNo, "D9256", 3}, {"A3U", kReceive, "M8176", 0},
+        {"A3U", kReceive, "M8192", 3}, {"A3U", kReceive, "L100", 11}, {"A3U", kReceive, "S96", 0},
+        {"A2A", kReceive, "X200", 3}, {"A3U", kReceive, "X108", 11}, {"A3U", kReceive, "DA", 11},
+        {"A3U", kReceive, "D", 11}, {"A3U", kErrorNo, "W1FFF", 0}, {"A3A", kErrorNo, "W1000", 3},
+        {"A3U", kErrorNo, "T2048", 3}, {"A3U", kErrorNo, "C1023", 0},
+        {"A3U", kErrorNo, "R0", 3}, {"A3U", kErrorNo, "R8191", 0, 8192},  // file register size
+        {"A3U", kErrorNo, "R8191", 3, 4096}, {"A3U", kRetries, "", 2}, {"A3U", kRetries, "33", 3},
+        {"A3U", kRetries, "0", 0}, {"A3U", kResponse, "", 2}, {"A3U", kResponse, "Hold", 11},
+        {"A3U", kDataClear, "CPU", 11}, {"A3U", kLineError, "Clear", 11},
+        {"A3U", kLineError, "OFF", 0}};
     // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(::testing::Message() << c.cpu << " field " << c.field << " " << c.text);
-        Row row = kGoodRow;
-        row[c.field] = c.text;
-        const ErrorTables errors = ValidateMINI(Modules({row}), ContextFor(c.cpu), 0);
+        MINIFields f = Modules({c.field < 0 ? Row{} : kGoodRow});
+        (c.field < 0 ? f.Text1 : f.Text2[c.field]) = c.text;
+        const ErrorTables errors = ValidateMINI(f, ContextFor(c.cpu), c.rPoints);
         EXPECT_EQ(Messages(errors), c.message ? std::vector<int>{c.message} : std::vector<int>{});
-        EXPECT_TRUE(!c.message || errors.ControlHasMessage(MiniText2No(c.field), c.message));
+        const int control = c.field < 0 ? MiniText1No() : MiniText2No(c.field);
+        EXPECT_TRUE(!c.message || errors.ControlHasMessage(control, c.message));
     }
-}
-
-TEST(MiniChecks, ModelStationsCountAndFileRegister) {
-    const DialogContext a3u = ContextFor("A3U");
-    Row row = kGoodRow;
-    row[kModel] = "MINI-S3";  // a MINI-S3 needs "------"
-    EXPECT_EQ(Messages(ValidateMINI(Modules({row}), a3u, 0)), std::vector<int>{11});
-    row[kStations] = "------";
-    row[kErrorNo] = "R8191";  // R is bounded by the file register capacity
-    EXPECT_EQ(Messages(ValidateMINI(Modules({row}), a3u, 8192)), std::vector<int>{});
-    EXPECT_EQ(Messages(ValidateMINI(Modules({row}), a3u, 4096)), std::vector<int>{3});
-    // A count beyond 8, or none, is the only error: no row is looked at.
-    MINIFields f = Modules({Row{}});
-    for (const auto& [count, messages] :
-         {std::pair{"9", std::vector<int>{3}}, {"", std::vector<int>{2}}, {"0", {}}}) {
-        f.Text1 = count;
-        const ErrorTables errors = ValidateMINI(f, a3u, 0);
-        EXPECT_EQ(Messages(errors), messages) << count;
-        EXPECT_EQ(errors.ControlHasError(MiniText1No()), !messages.empty()) << count;
-    }
+    Row s3 = kGoodRow;
+    s3[kModel] = "MINI-S3";  // a MINI-S3 needs "------"
+    EXPECT_TRUE(ValidateMINI(Modules({s3}), ContextFor("A3U"), 0)
+                    .ControlHasMessage(MiniText2No(kStations), 11));
 }
 
 // X100 to the CPU, Y100 from it, special relays and registers for the error data, OFF data
@@ -190,23 +178,6 @@ TEST(MiniRecords, LoadReadsTheGroupsAreaAsTheCellsKeepIt) {
     f.Text2[kStartIo] = "0";  // saved back, the device in no range is no device
     WriteMINI(f, image, ContextFor("A2U"));
     EXPECT_EQ(BytesAt(image, 2322, 6), (Bytes{0x00, 0x21, 0xBF, 0xFF, 0xFF, 0xFF}));
-}
-
-TEST(MiniRecords, RecordsBeyondTheCountKeepTheirBytes) {
-    ParameterImage image = test::DefaultImage("A2A");
-    image.SetParamWord(3, 534);
-    for (int m = 0; m < 3; ++m) {
-        std::copy(kExampleA.begin(), kExampleA.end(), image.bytes().begin() + 544 + 12 * m);
-    }
-    MINIFields f = ReadMINI(image, ContextFor("A2A"));
-    f.Text1 = "1";
-    f.Text2[kRetries] = "7";
-    const ParameterImage before = image;
-    WriteMINI(f, image, ContextFor("A2A"));
-    EXPECT_EQ(test::DifferingBytes(before, image), (std::vector<int>{534, 546}));
-    WriteMINI(DefaultsMINI(), image, ContextFor("A2A"));  // Clear: only the count word
-    EXPECT_EQ(test::DifferingBytes(before, image), (std::vector<int>{534, 546}));
-    EXPECT_EQ(image.GetParamWord(534), 0);
 }
 
 }  // namespace

@@ -22,42 +22,50 @@ auto Bytes(std::vector<std::pair<int, uint8_t>> bytes) {
     };
 }
 
-TEST(frmRemote, FreshTableOpensWith64StationsAndRefusesOverlappingEntries) {
+TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheImage) {
     std::vector<std::pair<int, uint8_t>> fresh;
     for (int i = 142; i <= 159; ++i) fresh.push_back({i, 255});
     Remote f("A2C", Bytes(fresh));
-    EXPECT_EQ(f->Text1->text(), "64");
-    EXPECT_TRUE(f->OnlineMode[0]->isChecked());
+    EXPECT_TRUE(f->Text1->text() == "64" && f->OnlineMode[0]->isChecked());
     for (QLineEdit* cell : f->Text2) EXPECT_EQ(cell->text(), "");
     EXPECT_EQ(test::Focused(), "Text1");
-    TypeKeys(f->Text1, "a");  // discarded
-    EXPECT_EQ(f->Text1->text(), "64");
+    TypeKeys(f->Text1, "a");      // discarded
     TypeKeys(f->Text2[14], "1");  // a protocol needs a start
-    EXPECT_EQ(f->Text2[14]->text(), "");
+    EXPECT_EQ(f->Text1->text() + f->Text2[14]->text(), "64");
     TypeKeys(f->Text2[0], "6x23");  // a letter is discarded, two digits at most
     PressKey(f->Text2[0], Qt::Key_Return);
     TypeKeys(QApplication::focusWidget(), "1a");  // the protocol beside it: 0 or 1
     for (Qt::Key key : {Qt::Key_Backspace, Qt::Key_Delete}) PressKey(f->Text2[14], key);
-    EXPECT_EQ(f->Text2[14]->text(), "Non-procedure");
+    EXPECT_EQ(f->Text2[0]->text() + f->Text2[14]->text(), "62Non-procedure");
     EXPECT_TRUE(f->DataChanged && !f.state.DataChanged);  // its own flag, not the caller's
     // Entries 2 and 3 share stations 3 and 4.
     for (int e : {1, 2}) {
         TypeKeys(f->Text2[e], e == 1 ? "1" : "3");
         TypeKeys(f->Text2[e + 14], "0");
     }
+    EXPECT_EQ(f->Text2[15]->text(), "MINI Standard");
     PressKey(f->Text2[16], Qt::Key_End);
     EXPECT_EQ(f.messages.Numbers(), std::vector<int>{11});  // one box, two fields
     for (int i = 0; i < 28; ++i) EXPECT_EQ(Yellow(f->Text2[i]), i == 0 || i == 2) << i;
-    EXPECT_FALSE(f.Closed());
-    EXPECT_EQ(f.state.image, f.loaded);
     f->Text2[2]->clear();  // no start: no protocol
     EXPECT_EQ(f->Text2[16]->text(), "");
-    f->Text2[0]->selectAll();  // replaced at once: emptied, the start would lose its protocol
-    TypeKeys(f->Text2[0], "61");
-    f->OK->click();
-    EXPECT_TRUE(f.Closed() && f.state.ParamChanged);
-    EXPECT_EQ(std::vector<int>(f.state.image.data() + 141, f.state.image.data() + 160),
-              (std::vector<int>{0, 0, 61, 1, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 64}));
+    f->VScroll1->UpButton()->click();  // the upper arrow raises the total
+    EXPECT_EQ(f->Text1->text(), "65");
+    f->Text1->clear();
+    f->VScroll1->UpButton()->click();  // an empty total starts from the spin button's end
+    EXPECT_EQ(f->Text1->text(), "0");
+    f->OnlineMode[2]->click();
+    f->Cancel->click();  // No
+    EXPECT_FALSE(f.Closed());
+    f.messages.Then(MessageButton::Yes);
+    f->Clear->click();
+    EXPECT_EQ(f->Text1->text() + f->Text2[1]->text() + f->Text2[15]->text(), "64");
+    EXPECT_TRUE(f->OnlineMode[0]->isChecked());
+    f.messages.Then(MessageButton::Yes);
+    f->Cancel->click();
+    EXPECT_TRUE(f.Closed());
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{11, 1, 12, 10, 1}));
+    EXPECT_EQ(f.state.image, f.loaded);
 }
 
 TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
@@ -87,29 +95,6 @@ TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
         EXPECT_EQ(test::Focused(), m.to) << m.from << " " << m.key;
     }
     EXPECT_EQ(f->Text1->text(), "64");  // Enter types nothing
-}
-
-TEST(frmRemote, CancelAfterAnEditAsksAndKeepsTheImage) {
-    // Erased start bytes beside set ones: loading rewrites nothing.
-    Remote f("A2C", Bytes({{143, 9}, {144, 255}, {145, 255}, {159, 20}}));
-    EXPECT_EQ(f->Text2[0]->text() + " " + f->Text2[14]->text(), "9 MINI Standard");
-    f->VScroll1->UpButton()->click();  // the upper arrow raises the total
-    EXPECT_EQ(f->Text1->text(), "21");
-    f->Text1->clear();
-    f->VScroll1->UpButton()->click();  // an empty total starts from the spin button's end
-    EXPECT_EQ(f->Text1->text(), "0");
-    f->OnlineMode[2]->click();
-    f->Cancel->click();  // No
-    EXPECT_FALSE(f.Closed());
-    f.messages.Then(MessageButton::Yes);
-    f->Clear->click();
-    EXPECT_EQ(f->Text2[0]->text() + f->Text2[14]->text(), "");
-    EXPECT_TRUE(f->OnlineMode[0]->isChecked());
-    f.messages.Then(MessageButton::Yes);
-    f->Cancel->click();
-    EXPECT_TRUE(f.Closed());
-    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{1, 12, 10, 1}));
-    EXPECT_EQ(f.state.image, f.loaded);
 }
 
 }  // namespace
