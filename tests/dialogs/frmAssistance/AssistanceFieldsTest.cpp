@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/rkcmnt/DeviceTable.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
@@ -107,7 +106,7 @@ TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
     }
 }
 
-TEST(AssistanceBytes, WrittenPerCpuTypeAndReadBack) {
+TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
     // clang-format off
     const struct { const char* cpu; Pairs expected; /* (byte, value) */ } cases[] = {
         {"A2 ", {{160, 150}, {161, 0}, {181, 7}, {140, 7}, {208, 7}}},
@@ -120,8 +119,20 @@ TEST(AssistanceBytes, WrittenPerCpuTypeAndReadBack) {
         SCOPED_TRACE(c.cpu);
         const DialogContext context = Ctx(c.cpu);
         ParameterImage image = test::DefaultImage(c.cpu);
+        AssistanceFields f = ReadAssistance(image, context);
+        f.StepRelayFlag = f.CommentFlag = f.EndManageFlag = true;
+        f.Text1 = {"1536", "2047"};
+        f.Text2 = {"10", "11"};
+        f.FuseCut = f.XYControl = 1;
+        f.IOErr = 0;
+        f.Text3 = "99";
+        f = DefaultsAssistance(f, context);  // Clear gives what a new project holds
+        EXPECT_FALSE(ValidateAssistance(f, image, context).Any());
+        ParameterImage cleared = image;
+        WriteAssistance(f, cleared, context);
+        EXPECT_EQ(test::DifferingBytes(cleared, image), std::vector<int>{});
         for (int i : {140, 160, 161, 181, 208}) image[i] = 7;
-        AssistanceFields f = DefaultsAssistance(ReadAssistance(image, context), context);
+        f = ReadAssistance(image, context);
         f.Text2 = {"1F", ""};
         f.OutputMode = f.FuseCut = 1;
         f.IOErr = 0;
@@ -149,28 +160,6 @@ TEST(AssistanceBytes, WrittenPerCpuTypeAndReadBack) {
     image[170] = 3;  // no contacts
     image.SetParamWord(32774, 176);
     EXPECT_EQ(ReadAssistance(image, Ctx("A3H")), AssistanceFields{});
-}
-
-// Clear gives what a new project holds: Clear and OK change no byte of a default image.
-TEST(AssistanceDefaults, ClearMatchesTheDefaultImageOfEveryType) {
-    for (std::string_view code : platform::kCpuTypes) {
-        const std::string cpu(code);
-        if (cpu == "A0J") continue;
-        const DialogContext context = Ctx(cpu);
-        ParameterImage image = test::DefaultImage(cpu);
-        AssistanceFields edited = ReadAssistance(image, context);
-        edited.StepRelayFlag = edited.CommentFlag = edited.EndManageFlag = true;
-        edited.Text1 = {"1536", "2047"};
-        edited.Text2 = {"10", "11"};
-        edited.FuseCut = 1;
-        edited.IOErr = 0;
-        edited.XYControl = 3;
-        edited.Text3 = "99";
-        const AssistanceFields cleared = DefaultsAssistance(edited, context);
-        EXPECT_FALSE(ValidateAssistance(cleared, image, context).Any()) << cpu;
-        WriteAssistance(cleared, image, context);
-        EXPECT_EQ(test::DifferingBytes(image, test::DefaultImage(cpu)), std::vector<int>{}) << cpu;
-    }
 }
 
 }  // namespace

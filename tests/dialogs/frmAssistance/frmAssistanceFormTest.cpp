@@ -81,18 +81,12 @@ TEST(frmAssistance, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
     EXPECT_FALSE(f->Text1[1]->isEnabled());
     PressKey(f->IOErr[0], Qt::Key_Space);
     PressKey(f->Text2[1], Qt::Key_End);
-    // RUN X20 and PAUSE X0 in use, I/O module verify error: continue.
-    ParameterImage expected = f.loaded;
-    for (const auto& [i, v] : {std::pair{176, 8},
-                               {177, 128},
-                               {178, 1},
-                               {172, 0},
-                               {173, 128},
-                               {174, 1},
-                               {170, 2},
-                               {163, 0}}) {
-        expected[i] = static_cast<uint8_t>(v);
-    }
+    ParameterImage expected = f.loaded;  // RUN X20, PAUSE X0, I/O verify error: continue
+    expected.SetParamWord(0x8008, 176);
+    expected.SetParamWord(0x8000, 172);
+    expected[178] = expected[174] = 1;
+    expected[170] = 2;
+    expected[163] = 0;
     EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
 }
 
@@ -124,15 +118,14 @@ TEST(frmAssistance, RefusedBoxesArePaintedAndCancelAfterClearLeavesTheImage) {
     EXPECT_EQ(f.state.image, f.loaded);
 }
 
-// Runs through the menu's Supplementary Functions and, on the types that have one, its
-// follow-on dialog: keys typed from a field on, Enter after each, reach "param.tmp" alone.
+// Runs through the menu, Supplementary Functions and its follow-on dialog: an option chosen and
+// keys typed from a field on, Enter after each, reach "param.tmp" alone.
 TEST(frmAssistance, EndToEndWhatIsTypedReachesParamTmp) {
     const std::vector<uint8_t> record = {0x1A, 0x7A, 0x45, 0x0C, 0x10, 0x00,
                                          0x10, 0x04, 0xC1, 0x0C, 0x0A, 0x0D};
     // clang-format off
     const struct { const char* cpu; QString dialog; const char* first; std::vector<const char*> keys;
                    std::vector<std::pair<int, int>> words; std::vector<int> records; } cases[] = {
-        {"A2 ", "frmAssistance", "StepRelayFlag", {" ", "1536"}, {{18, 1535}}, {}},
         // Entry 9 at station 21, non-procedure.
         {"A2C", "frmRemote", "Text2(8)", {"21", "1"}, {{151, 21}, {157, 256}}, {}},
         // A module in both areas; each cell refuses the keys it does not take.
@@ -145,11 +138,10 @@ TEST(frmAssistance, EndToEndWhatIsTypedReachesParamTmp) {
         test::ModalDriver driver;
         driver.On("frmMenu",
                   [](QWidget* menu) { PressKey(Child(menu, "MenuItem(4)"), Qt::Key_Return); });
-        if (c.dialog != "frmAssistance") {
-            driver.On("frmAssistance", [](QWidget* dialog) {
-                PressKey(Child(dialog, "AssistMenuItem"), Qt::Key_Return);
-            });
-        }
+        driver.On("frmAssistance", [](QWidget* dialog) {
+            PressKey(Child(dialog, "OutputMode(1)"), Qt::Key_Space);  // after one scan: byte 180
+            PressKey(Child(dialog, "AssistMenuItem"), Qt::Key_Return);
+        });
         driver.On(c.dialog, [&c](QWidget* dialog) {
             Child(dialog, c.first)->setFocus();
             for (const char* keys : c.keys) {
@@ -158,12 +150,11 @@ TEST(frmAssistance, EndToEndWhatIsTypedReachesParamTmp) {
             }
             PressKey(dialog, Qt::Key_End);
         });
-        if (c.dialog != "frmAssistance") {
-            driver.On("frmAssistance", [](QWidget* dialog) { PressKey(dialog, Qt::Key_End); });
-        }
+        driver.On("frmAssistance", [](QWidget* dialog) { PressKey(dialog, Qt::Key_End); });
         driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
         EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
         ParameterImage expected = test::DefaultImage(c.cpu);
+        expected[180] = 1;
         for (int at : c.records)
             std::copy(record.begin(), record.end(), expected.bytes().begin() + at);
         EXPECT_EQ(

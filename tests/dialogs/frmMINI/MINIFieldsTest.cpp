@@ -38,7 +38,7 @@ Bytes BytesAt(const ParameterImage& image, int first, int count) {
     return {image.bytes().begin() + first, image.bytes().begin() + first + count};
 }
 
-TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBack) {
+TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
     const RelayWords allM{2048, kErased, 8191};  // every internal relay shows as M
     // clang-format off
     const struct { const char* text; long a, u; } cases[] = {
@@ -55,36 +55,32 @@ TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBack) {
         EXPECT_EQ(DeviceTextOf(MiniGroup::U, c.u, allM), c.text);
     }
     EXPECT_EQ(CalculateAddress(MiniGroup::U, "S2048"), 1536 + 128);  // L and S in M's range
-    for (long code : {640L, 1023L, 1792L, 2495L, 2512L, 2816L, 24576L, 65535L}) {
-        EXPECT_EQ(DeviceTextOf(MiniGroup::A, code, allM), "") << code;  // in no range
-    }
-    for (long code : {512L, 1023L, 3280L, 3584L, 23552L, 32767L, 40960L}) {
-        EXPECT_EQ(DeviceTextOf(MiniGroup::U, code, allM), "") << code;
-    }
-}
-
-TEST(MiniDeviceCodes, RelayLetterFromWords14To18) {
     // clang-format off
-    const struct { int w14, w16, w18; long n; char letter; } cases[] = {
-        // Latch relays L1000-L2047, no step relays; then S2048-S3071; an erased word 14 is 2048.
+    for (const auto& [group, code] : {std::pair{MiniGroup::A, 640L}, {MiniGroup::A, 1023L},
+         {MiniGroup::A, 1792L}, {MiniGroup::A, 2495L}, {MiniGroup::A, 2512L}, {MiniGroup::A, 2816L},
+         {MiniGroup::A, 24576L}, {MiniGroup::A, 65535L}, {MiniGroup::U, 512L}, {MiniGroup::U, 3280L},
+         {MiniGroup::U, 3584L}, {MiniGroup::U, 23552L}, {MiniGroup::U, 32767L}, {MiniGroup::U, 40960L}}) {
+        EXPECT_EQ(DeviceTextOf(group, code, allM), "") << code;  // in no range
+    }
+    // The letter of a relay from words 14, 16 and 18: latch relays L1000-L2047 and no step
+    // relays, then S2048-S3071 (an erased word 14 is 2048); without latch relays M up to word
+    // 18, then S up to word 14 - 1, and S from 0 when word 18 is erased too.
+    const struct { int w14, w16, w18; long n; char letter; } relays[] = {
         {2048, 1000, 2047, 992, 'M'}, {2048, 1000, 2047, 1008, 'L'}, {2048, 1000, 2047, 2032, 'L'},
-        {2048, 1000, 2047, 2048, 'M'}, {3072, 1000, 2047, 2048, 'S'}, {3072, 1000, 2047, 3056, 'S'},
-        {3072, 1000, 2047, 3072, 'M'}, {kErased, 1000, 2047, 2048, 'M'},
-        {kErased, 1000, 2047, 4096, 'M'},
-        // No latch relays: M up to word 18, then S up to word 14 - 1; word 18 erased: S from 0.
-        {2048, kErased, 8191, 4096, 'M'}, {2048, kErased, 1023, 1008, 'M'},
-        {2048, kErased, 1023, 1024, 'S'}, {2048, kErased, 1023, 2032, 'S'},
+        {2048, 1000, 2047, 2048, 'M'}, {3072, 1000, 2047, 2048, 'S'}, {3072, 1000, 2047, 3072, 'M'},
+        {kErased, 1000, 2047, 2048, 'M'}, {2048, kErased, 8191, 4096, 'M'},
+        {2048, kErased, 1023, 1008, 'M'}, {2048, kErased, 1023, 1024, 'S'},
         {2048, kErased, 1023, 2048, 'M'}, {2048, kErased, kErased, 0, 'S'},
-        {2048, kErased, kErased, 2032, 'S'}, {2048, kErased, kErased, 2048, 'M'}};
+        {2048, kErased, kErased, 2048, 'M'}};
     // clang-format on
-    for (const auto& c : cases) {
-        SCOPED_TRACE(::testing::Message() << c.w14 << " " << c.w16 << " " << c.w18 << " " << c.n);
+    for (const auto& c : relays) {
         ParameterImage image = test::DefaultImage("A3U");
         for (const auto& [index, value] : {std::pair{14, c.w14}, {16, c.w16}, {18, c.w18}}) {
             image.SetParamWord(value, index);
         }
         image.SetParamWord(1536 + c.n / 16, 2326);
-        EXPECT_EQ(CalculateDeviceNumber(image, 2326, "A3U"), c.letter + std::to_string(c.n));
+        EXPECT_EQ(CalculateDeviceNumber(image, 2326, "A3U"), c.letter + std::to_string(c.n))
+            << c.w14 << " " << c.w16 << " " << c.w18;
     }
 }
 
