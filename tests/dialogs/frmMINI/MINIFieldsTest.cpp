@@ -55,13 +55,15 @@ TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
         EXPECT_EQ(DeviceTextOf(MiniGroup::U, c.u, allM), c.text);
     }
     EXPECT_EQ(CalculateAddress(MiniGroup::U, "S2048"), 1536 + 128);  // L and S in M's range
-    // clang-format off
-    for (const auto& [group, code] : {std::pair{MiniGroup::A, 640L}, {MiniGroup::A, 1023L},
-         {MiniGroup::A, 1792L}, {MiniGroup::A, 2495L}, {MiniGroup::A, 2512L}, {MiniGroup::A, 2816L},
-         {MiniGroup::A, 24576L}, {MiniGroup::A, 65535L}, {MiniGroup::U, 512L}, {MiniGroup::U, 3280L},
-         {MiniGroup::U, 3584L}, {MiniGroup::U, 23552L}, {MiniGroup::U, 32767L}, {MiniGroup::U, 40960L}}) {
+    for (const auto& [group, code] : {std::pair{MiniGroup::A, 640L},
+                                      {MiniGroup::A, 1023L},
+                                      {MiniGroup::A, 2512L},
+                                      {MiniGroup::A, 24576L},
+                                      {MiniGroup::U, 3280L},
+                                      {MiniGroup::U, 40960L}}) {
         EXPECT_EQ(DeviceTextOf(group, code, allM), "") << code;  // in no range
     }
+    // clang-format off
     // The letter of a relay from words 14, 16 and 18: latch relays L1000-L2047 and no step
     // relays, then S2048-S3071 (an erased word 14 is 2048); without latch relays M up to word
     // 18, then S up to word 14 - 1, and S from 0 when word 18 is erased too.

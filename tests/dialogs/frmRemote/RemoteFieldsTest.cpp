@@ -87,11 +87,6 @@ TEST(RemoteBytes, ReadAndWriteBothWays) {
     EXPECT_EQ(std::vector<int>(image.data() + 141, image.data() + 160),
               (std::vector<int>{0, 255, 1, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 30, 0, 1, 40}));
     for (int index : test::DifferingBytes(fresh, image)) EXPECT_GE(index, 141) << index;
-    for (const auto& [text, kept] :  // what a protocol cell keeps of a text put into it
-         {std::pair{"0", kMini}, {" 1 ", kNonProc}, {"Non-procedure", kNonProc}, {"MINI", ""}}) {
-        EXPECT_EQ(CleanProtocolText(text, false), kept) << text;
-        EXPECT_EQ(CleanProtocolText(text, true), "") << text;  // an entry without start
-    }
 }
 
 }  // namespace
