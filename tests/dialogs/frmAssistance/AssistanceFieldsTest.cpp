@@ -85,6 +85,7 @@ TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
         {"A2 ", {{16, 65535}}, true, "0", "", "", "", "20", {}},  // without a latched L, from 0
         {"A3U", {}, true, "3000", "2047", "7FF", "", "", {{8, start}, {8, end}}},
         {"A3U", {}, true, "", "9000", "", "", "", {{3, end}, {11, start}}},
+        {"A3U", {}, true, "9000", "2047", "", "", "", {{3, start}}},  // no order beside it
         {"A3U", {}, true, "900", "", "800", "", "", {{3, start}, {3, run}, {11, end}}}};
     // clang-format on
     for (const auto& c : cases) {

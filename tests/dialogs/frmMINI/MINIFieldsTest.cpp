@@ -68,7 +68,7 @@ TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
     // relays, then S2048-S3071 (an erased word 14 is 2048); without latch relays M up to word
     // 18, then S up to word 14 - 1, and S from 0 when word 18 is erased too.
     const struct { int w14, w16, w18; long n; char letter; } relays[] = {
-        {2048, 1000, 2047, 992, 'M'}, {2048, 1000, 2047, 1008, 'L'}, {2048, 1000, 2047, 2032, 'L'},
+        {2048, 1000, 2047, 992, 'M'}, {2048, 1000, 2047, 1008, 'L'}, {2048, 1000, 2032, 2032, 'L'},
         {2048, 1000, 2047, 2048, 'M'}, {3072, 1000, 2047, 2048, 'S'}, {3072, 1000, 2047, 3072, 'M'},
         {kErased, 1000, 2047, 2048, 'M'}, {2048, kErased, 8191, 4096, 'M'},
         {2048, kErased, 1023, 1008, 'M'}, {2048, kErased, 1023, 1024, 'S'},

@@ -35,6 +35,7 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
         {"defaults", DefaultsRemote(), {}},
         {"empty total rejects every start", WithStarts("", {{0, "1"}}), {"Text1:2", "Text2(0):11"}},
         {"total 0", WithStarts("0", {}), {"Text1:3"}},
+        {"total 1", WithStarts("1", {}), {}},
         {"total 65", WithStarts("65", {}), {"Text1:3"}},
         {"61 of 64 and 1 of 4 fit", WithStarts("64", {{0, "61"}, {5, "1"}}), {}},
         {"62 of 64", WithStarts("64", {{0, "62"}}), {"Text2(0):11"}},
