@@ -5,88 +5,64 @@
 #include <utility>
 #include <vector>
 
-#include "platform/rkcmnt/DeviceTable.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
 namespace {
 
-using Recorded = std::vector<std::pair<int, int>>;  // (message, control)
-using Words = std::vector<std::pair<int, int>>;     // (index, word)
+using Pairs = std::vector<std::pair<int, int>>;  // (message, control) or (index, word)
 
 DialogContext Ctx(const std::string& cpu) {
     return ContextOf(test::StateFor(cpu));
 }
 
-ParameterImage ImageWith(const std::string& cpu, const Words& words) {
+ParameterImage ImageWith(const std::string& cpu, const Pairs& words) {
     ParameterImage image = test::DefaultImage(cpu);
     for (const auto& [index, value] : words) image.SetParamWord(value, index);
     return image;
 }
 
-Recorded RecordedOf(const ErrorTables& errors) {
-    Recorded out;
-    for (int m = 0; m <= kMaxMessageNo; ++m) {
-        for (int c = 0; c <= kMaxControlNo; ++c) {
-            if (errors.ControlErrorFlags[c][m]) out.emplace_back(m, c);
-        }
-    }
-    return out;
-}
-
 TEST(AssistanceContacts, EncodeAndReadBack) {
-    const struct {
-        const char* typed;
-        int word, mask;
-        const char* shown;
-    } cases[] = {
-        {"1F", 32774, 128, "1F"},   {"1f", 32774, 128, "1F"}, {"0", 32768, 1, "00"},
-        {"8", 32770, 1, "08"},      {"7", 32768, 128, "07"},  {"10", 32772, 1, "10"},
-        {"FFF", 33790, 128, "FFF"}, {"0A3", 32808, 8, "A3"},
-    };
+    // clang-format off
+    const struct { const char* typed; int word, mask; const char* shown; } cases[] = {
+        {"1F", 32774, 128, "1F"}, {"1f", 32774, 128, "1F"}, {"0", 32768, 1, "00"},
+        {"8", 32770, 1, "08"}, {"7", 32768, 128, "07"}, {"10", 32772, 1, "10"},
+        {"FFF", 33790, 128, "FFF"}, {"0A3", 32808, 8, "A3"}};
+    // clang-format on
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.typed);
-        EXPECT_EQ(EncodeContact(c.typed), (ContactCode{c.word, c.mask}));
-        EXPECT_EQ(DecodeContact(c.word, c.mask), c.shown);
+        EXPECT_EQ(EncodeContact(c.typed), (ContactCode{c.word, c.mask})) << c.typed;
+        EXPECT_EQ(DecodeContact(c.word, c.mask), c.shown) << c.typed;
     }
     // A mask naming no single bit shows no last digit; a word below X0 shows nothing.
-    EXPECT_EQ(DecodeContact(32774, 3), "1");
-    EXPECT_EQ(DecodeContact(32774, 0), "1");
-    EXPECT_EQ(DecodeContact(32767, 1), "");
+    EXPECT_EQ(DecodeContact(32774, 3) + DecodeContact(32774, 0) + DecodeContact(32767, 1), "11");
 }
 
 TEST(AssistanceStepRelays, WordsPerStateOfTheCheckBoxAndBack) {
-    const struct {
-        const char* cpu;
-        Words before;  // on the default image (L1000-2047, word 14 = 2048 where kept)
-        bool flag;
-        const char *start, *end;
-        int word18, word14;  // -1: the default image's value
-    } cases[] = {
-        {"A2 ", {}, true, "1536", "", 1535, -1},
-        {"A2 ", {{18, 1535}}, false, "", "", 2047, -1},
-        {"A2U", {}, true, "1536", "2047", 1535, 2048},
-        {"A2U", {}, true, "1000", "8191", 999, 8192},
+    // clang-format off
+    const struct { const char* cpu; Pairs before; bool flag; const char *start, *end;
+                   int word18, word14; /* -1: the default image's */ } cases[] = {
+        {"A2 ", {}, true, "1536", "", 1535, -1}, {"A2 ", {{18, 1535}}, false, "", "", 2047, -1},
+        {"A2U", {}, true, "1536", "2047", 1535, 2048}, {"A2U", {}, true, "1000", "8191", 999, 8192},
         {"A2U", {{18, 1535}, {14, 2048}}, false, "", "", 1535, 1536},
         {"A3A", {{18, 3000}, {14, 65535}}, false, "", "", 3000, 3001},
         // L not latched: S may start at 0, stored as 65535 and read back as 0.
         {"A2 ", {{16, 65535}}, true, "0", "", 65535, -1},
         {"A2 ", {{16, 65535}, {18, 1535}}, false, "", "", 2047, -1},
         {"A4U", {{16, 65535}}, true, "0", "100", 65535, 101},
-        // After S from 0 no step relays has no L end to follow: the default boundary.
-        {"A4U", {{16, 65535}, {18, 65535}, {14, 101}}, false, "", "", 2047, 2048},
-    };
+        // After S from 0, no step relays has no L end to follow: the default boundary.
+        {"A4U", {{16, 65535}, {18, 65535}, {14, 101}}, false, "", "", 2047, 2048}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.start + "-" + c.end);
         const DialogContext context = Ctx(c.cpu);
         ParameterImage image = ImageWith(c.cpu, c.before);
-        const ParameterImage before = image;
+        const int word14 = c.word14 < 0 ? image.GetParamWord(14) : c.word14;
         AssistanceFields fields = ReadAssistance(image, context);
         fields.StepRelayFlag = c.flag;
         fields.Text1 = {c.start, c.end};
         WriteAssistance(fields, image, context);
         EXPECT_EQ(image.GetParamWord(18), c.word18);
-        EXPECT_EQ(image.GetParamWord(14), c.word14 < 0 ? before.GetParamWord(14) : c.word14);
+        EXPECT_EQ(image.GetParamWord(14), word14);
         const AssistanceFields back = ReadAssistance(image, context);
         EXPECT_EQ(back.StepRelayFlag, c.flag);
         EXPECT_EQ(back.Text1, fields.Text1);
@@ -95,25 +71,23 @@ TEST(AssistanceStepRelays, WordsPerStateOfTheCheckBoxAndBack) {
 
 TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
     constexpr int start = 46, end = 47, run = 48, pause = 49, wdt = 50;
-    const struct {
-        const char* cpu;
-        bool flag;
-        const char *start, *end, *run, *pause, *wdt;
-        Recorded recorded;
-    } cases[] = {
-        {"A2 ", false, "", "", "", "", "20", {}},
-        {"A2 ", false, "", "", "", "", "0", {{3, wdt}}},
+    // clang-format off
+    const struct { const char* cpu; Pairs before; bool flag; const char *start, *end, *run, *pause,
+                   *wdt; Pairs recorded; } cases[] = {
+        {"A2 ", {}, false, "", "", "", "", "20", {}}, {"A2 ", {}, false, "", "", "", "", "0", {{3, wdt}}},
         // Step relays not in use are not checked; a PAUSE needs a RUN contact.
-        {"A2 ", false, "999", "", "", "10", "201", {{3, wdt}, {11, run}}},
-        {"A2 ", true, "", "", "1FFF0", "", "", {{2, wdt}, {3, run}, {11, start}}},
+        {"A2 ", {}, false, "999", "", "", "10", "201", {{3, wdt}, {11, run}}},
+        {"A2 ", {}, true, "", "", "1FFF0", "", "", {{2, wdt}, {3, run}, {11, start}}},
         // Below the first latch relay (L1000), a PAUSE above the last X.
-        {"A2 ", true, "999", "", "1FF", "200", "1", {{3, start}, {3, pause}}},
-        {"A2 ", true, "2048", "", "0", "1FF", "200", {{3, start}}},
-        {"A2 ", true, "1000", "", "", "", "20", {}},
-        {"A3U", true, "3000", "2047", "7FF", "", "", {{8, start}, {8, end}}},
-        {"A3U", true, "", "9000", "", "", "", {{3, end}, {11, start}}},
-        {"A3U", true, "900", "", "800", "", "", {{3, start}, {3, run}, {11, end}}},
-    };
+        {"A2 ", {}, true, "999", "", "1FF", "200", "1", {{3, start}, {3, pause}}},
+        {"A2 ", {}, true, "2048", "", "0", "1FF", "200", {{3, start}}},
+        {"A2 ", {}, true, "1000", "", "", "", "20", {}},
+        {"A2 ", {{16, 65535}}, true, "0", "", "", "", "20", {}},  // without a latched L, from 0
+        {"A3U", {}, true, "3000", "2047", "7FF", "", "", {{8, start}, {8, end}}},
+        {"A3U", {}, true, "", "9000", "", "", "", {{3, end}, {11, start}}},
+        {"A3U", {}, true, "9000", "2047", "", "", "", {{3, start}}},  // no order beside it
+        {"A3U", {}, true, "900", "", "800", "", "", {{3, start}, {3, run}, {11, end}}}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.start + "-" + c.end + " " + c.run + "/" +
                      c.pause + " " + c.wdt);
@@ -122,90 +96,71 @@ TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
         f.Text1 = {c.start, c.end};
         f.Text2 = {c.run, c.pause};
         f.Text3 = c.wdt;
-        EXPECT_EQ(RecordedOf(ValidateAssistance(f, test::DefaultImage(c.cpu), Ctx(c.cpu))),
-                  c.recorded);
+        const ErrorTables errors = ValidateAssistance(f, ImageWith(c.cpu, c.before), Ctx(c.cpu));
+        Pairs recorded;
+        for (int m = 0; m <= kMaxMessageNo; ++m) {
+            for (int control = 0; control <= kMaxControlNo; ++control) {
+                if (errors.ControlErrorFlags[control][m]) recorded.emplace_back(m, control);
+            }
+        }
+        EXPECT_EQ(recorded, c.recorded);
     }
-    // Without a latched L, S may start at 0.
-    AssistanceFields f;
-    f.StepRelayFlag = true;
-    f.Text1 = {"0", ""};
-    f.Text3 = "20";
-    EXPECT_FALSE(ValidateAssistance(f, ImageWith("A2 ", {{16, 65535}}), Ctx("A2 ")).Any());
 }
 
-TEST(AssistanceBytes, WrittenPerCpuTypeAndReadBack) {
-    const struct {
-        const char* cpu;
-        std::vector<std::pair<int, int>> expected;  // (byte, value)
-    } cases[] = {
+TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
+    // clang-format off
+    const struct { const char* cpu; Pairs expected; /* (byte, value) */ } cases[] = {
         {"A2 ", {{160, 150}, {161, 0}, {181, 7}, {140, 7}, {208, 7}}},
         {"A3 ", {{160, 150}, {181, 7}, {140, 7}, {208, 1}}},
         {"A3H", {{160, 7}, {161, 7}, {181, 240}, {140, 7}, {208, 1}}},
         {"A3A", {{160, 20}, {161, 0}, {181, 255}, {140, 7}, {208, 1}}},
-        {"A2U", {{160, 20}, {161, 0}, {181, 255}, {140, 255}, {208, 7}}},
-    };
+        {"A2U", {{160, 20}, {161, 0}, {181, 255}, {140, 255}, {208, 7}}}};
+    // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.cpu);
         const DialogContext context = Ctx(c.cpu);
         ParameterImage image = test::DefaultImage(c.cpu);
+        AssistanceFields f = ReadAssistance(image, context);
+        f.StepRelayFlag = f.CommentFlag = f.EndManageFlag = true;
+        f.Text1 = {"1536", "2047"};
+        f.Text2 = {"10", "11"};
+        f.FuseCut = f.XYControl = 1;
+        f.IOErr = 0;
+        f.Text3 = "99";
+        f = DefaultsAssistance(f, context);  // Clear gives what a new project holds
+        EXPECT_FALSE(ValidateAssistance(f, image, context).Any());
+        ParameterImage cleared = image;
+        WriteAssistance(f, cleared, context);
+        EXPECT_EQ(test::DifferingBytes(cleared, image), std::vector<int>{});
         for (int i : {140, 160, 161, 181, 208}) image[i] = 7;
-        AssistanceFields f = DefaultsAssistance(ReadAssistance(image, context), context);
+        f = ReadAssistance(image, context);
         f.Text2 = {"1F", ""};
-        f.OutputMode = 1;
-        f.FuseCut = 1;
+        f.OutputMode = f.FuseCut = 1;
         f.IOErr = 0;
         f.Text3 = "150";
-        f.EndManageFlag = true;
-        f.CommentFlag = true;
+        f.EndManageFlag = f.CommentFlag = true;
         f.XYControl = 2;
         WriteAssistance(f, image, context);
         for (const auto& [index, value] : c.expected) EXPECT_EQ(image[index], value) << index;
-        const std::vector<uint8_t> errorAndContacts = {
-            image[163], image[164], image[165], image[169], image[170],
-            image[172], image[174], image[176], image[178], image[180]};
+        std::vector<uint8_t> errorAndContacts;
+        for (int i : {163, 164, 165, 169, 170, 172, 174, 176, 178, 180}) {
+            errorAndContacts.push_back(image[i]);
+        }
         EXPECT_EQ(errorAndContacts, (std::vector<uint8_t>{0, 1, 1, 0, 1, 255, 255, 6, 128, 1}));
         // What is written reads back, for the controls the type shows.
-        AssistanceFields shown = f;
         const AssistanceLayout layout = AssistanceLayoutOf(c.cpu);
-        if (!layout.watchdog) shown.Text3.clear();
-        if (!layout.endManage) shown.EndManageFlag = false;
-        if (!layout.comment) shown.CommentFlag = false;
-        if (!layout.xyControl) shown.XYControl = 0;
-        EXPECT_EQ(ReadAssistance(image, context), shown);
+        if (!layout.watchdog) f.Text3.clear();
+        f.EndManageFlag = layout.endManage;
+        f.CommentFlag = layout.comment;
+        if (!layout.xyControl) f.XYControl = 0;
+        EXPECT_EQ(ReadAssistance(image, context), f);
     }
-}
-
-TEST(AssistanceBytes, UndocumentedValuesLeaveTheControlsAsDesigned) {
-    const DialogContext context = Ctx("A3H");
+    // Values no option stands for leave the controls as designed.
     ParameterImage image = test::DefaultImage("A3H");
     for (int i : {163, 164, 165, 169, 180, 181, 208}) image[i] = 9;
     image[170] = 3;  // no contacts
     image.SetParamWord(32774, 176);
-    EXPECT_EQ(ReadAssistance(image, context), AssistanceFields{});
-}
-
-// Clear gives what a new project holds: Clear and OK change no byte of a default image.
-TEST(AssistanceDefaults, ClearMatchesTheDefaultImageOfEveryType) {
-    for (std::string_view code : platform::kCpuTypes) {
-        const std::string cpu(code);
-        if (cpu == "A0J") continue;
-        SCOPED_TRACE(cpu);
-        const DialogContext context = Ctx(cpu);
-        ParameterImage image = test::DefaultImage(cpu);
-        AssistanceFields edited = ReadAssistance(image, context);
-        edited.StepRelayFlag = true;
-        edited.Text1 = {"1536", "2047"};
-        edited.Text2 = {"10", "11"};
-        edited.FuseCut = 1;
-        edited.IOErr = 0;
-        edited.XYControl = 3;
-        edited.CommentFlag = edited.EndManageFlag = true;
-        edited.Text3 = "99";
-        const AssistanceFields cleared = DefaultsAssistance(edited, context);
-        EXPECT_FALSE(ValidateAssistance(cleared, image, context).Any());
-        WriteAssistance(cleared, image, context);
-        EXPECT_EQ(test::DifferingBytes(image, test::DefaultImage(cpu)), std::vector<int>{});
-    }
+    EXPECT_EQ(ReadAssistance(image, Ctx("A3H")), AssistanceFields{});
 }
 
 }  // namespace

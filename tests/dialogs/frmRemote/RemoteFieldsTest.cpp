@@ -13,19 +13,6 @@ namespace {
 const std::string kMini = "MINI Standard";
 const std::string kNonProc = "Non-procedure";
 
-// "control:message" for every recorded pair, e.g. "Text2(1):11".
-std::vector<std::string> Recorded(const ErrorTables& errors) {
-    std::vector<std::string> out;
-    for (int c = 0; c <= kMaxControlNo; ++c) {
-        for (int n = 0; n <= kMaxMessageNo; ++n) {
-            if (errors.ControlHasMessage(c, n)) {
-                out.push_back(ControlNameOf(c).control + ":" + std::to_string(n));
-            }
-        }
-    }
-    return out;
-}
-
 // Fields with the given entries (index e -> start) set, each with the MINI protocol.
 RemoteFields WithStarts(const std::string& total, const std::map<int, std::string>& starts) {
     RemoteFields f = DefaultsRemote();
@@ -38,15 +25,17 @@ RemoteFields WithStarts(const std::string& total, const std::map<int, std::strin
 }
 
 TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
-    const struct {
-        const char* what;
-        RemoteFields fields;
-        std::vector<std::string> recorded;
-    } cases[] = {
-        // clang-format off
+    RemoteFields protocols = WithStarts("64", {{0, "1"}, {1, "9"}});
+    protocols.Text2[14] = "";        // a start without protocol
+    protocols.Text2[15] = "Serial";  // an unknown protocol
+    protocols.Text2[20] = kNonProc;  // a protocol without start
+    // clang-format off
+    const struct { const char* what; RemoteFields fields; std::vector<std::string> recorded; }
+    cases[] = {
         {"defaults", DefaultsRemote(), {}},
         {"empty total rejects every start", WithStarts("", {{0, "1"}}), {"Text1:2", "Text2(0):11"}},
         {"total 0", WithStarts("0", {}), {"Text1:3"}},
+        {"total 1", WithStarts("1", {}), {}},
         {"total 65", WithStarts("65", {}), {"Text1:3"}},
         {"61 of 64 and 1 of 4 fit", WithStarts("64", {{0, "61"}, {5, "1"}}), {}},
         {"62 of 64", WithStarts("64", {{0, "62"}}), {"Text2(0):11"}},
@@ -57,19 +46,20 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
         {"a marked entry is compared no more", WithStarts("64", {{0, "5"}, {1, "8"}, {2, "11"},
          {3, "5"}}), {"Text2(1):11", "Text2(3):11"}},
         {"out of range is no overlap", WithStarts("64", {{0, "62"}, {1, "60"}}), {"Text2(0):11"}},
-        // clang-format on
-    };
+        {"protocols", protocols, {"Text2(14):11", "Text2(15):11", "Text2(20):11"}}};
+    // clang-format on
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        EXPECT_EQ(Recorded(ValidateRemote(c.fields)), c.recorded);
+        const ErrorTables errors = ValidateRemote(c.fields);
+        std::vector<std::string> recorded;  // "control:message"
+        for (int control = 0; control <= kMaxControlNo; ++control) {
+            for (int n = 0; n <= kMaxMessageNo; ++n) {
+                if (errors.ControlHasMessage(control, n)) {
+                    recorded.push_back(ControlNameOf(control).control + ":" + std::to_string(n));
+                }
+            }
+        }
+        EXPECT_EQ(recorded, c.recorded) << c.what;
     }
-
-    RemoteFields f = WithStarts("64", {{0, "1"}, {1, "9"}});
-    f.Text2[14] = "";        // a start without protocol
-    f.Text2[15] = "Serial";  // an unknown protocol
-    f.Text2[20] = kNonProc;  // a protocol without start
-    EXPECT_EQ(Recorded(ValidateRemote(f)),
-              (std::vector<std::string>{"Text2(14):11", "Text2(15):11", "Text2(20):11"}));
 }
 
 TEST(RemoteBytes, ReadAndWriteBothWays) {
@@ -77,7 +67,6 @@ TEST(RemoteBytes, ReadAndWriteBothWays) {
     for (int i = 141; i <= 159; ++i) image[i] = 255;  // a fresh remote table
     const ParameterImage fresh = image;
     EXPECT_EQ(ReadRemote(image), DefaultsRemote());
-
     image[142] = 2;
     image[159] = 200;  // shown whole, for the check to reject
     image[144] = 10;   // set beside erased start bytes: kept
@@ -99,15 +88,6 @@ TEST(RemoteBytes, ReadAndWriteBothWays) {
     EXPECT_EQ(std::vector<int>(image.data() + 141, image.data() + 160),
               (std::vector<int>{0, 255, 1, 0, 0, 0, 0, 0, 0, 0, 9, 0, 0, 0, 0, 30, 0, 1, 40}));
     for (int index : test::DifferingBytes(fresh, image)) EXPECT_GE(index, 141) << index;
-}
-
-TEST(RemoteBytes, ProtocolCellTexts) {
-    const std::pair<const char*, std::string> cases[] = {
-        {"0", kMini}, {" 1 ", kNonProc}, {"Non-procedure", kNonProc}, {"MINI", ""}};
-    for (const auto& [text, kept] : cases) {
-        EXPECT_EQ(CleanProtocolText(text, false), kept) << text;
-        EXPECT_EQ(CleanProtocolText(text, true), "") << text;  // an entry without start
-    }
 }
 
 }  // namespace
