@@ -128,4 +128,15 @@ std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b
     return indices;
 }
 
+std::string RecordedErrors(const ErrorTables& errors) {
+    std::string text;
+    for (int m = 0; m <= kMaxMessageNo; ++m) {
+        for (int c = 0; c <= kMaxControlNo; ++c) {
+            if (!errors.ControlErrorFlags[c][m]) continue;
+            text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
+        }
+    }
+    return text;
+}
+
 }  // namespace gantrix::test
