@@ -88,21 +88,19 @@ inline std::vector<std::string> LayoutFaults(QWidget* window) {
     if (window->windowTitle().isEmpty()) faults.push_back("no title");
     std::vector<std::pair<QWidget*, QRect>> controls;
     for (QWidget* w : window->findChildren<QWidget*>()) {
-        if (!(qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
-              qobject_cast<QAbstractButton*>(w) || qobject_cast<QComboBox*>(w) ||
+        const auto* label = qobject_cast<QLabel*>(w);
+        const auto* button = qobject_cast<QAbstractButton*>(w);
+        if (!(label || button || qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) ||
               qobject_cast<QGroupBox*>(w)) ||
             !w->isVisible() || qobject_cast<QComboBox*>(w->parentWidget())) {
             continue;
         }
         const std::string name = w->objectName().toStdString();
-        const auto* label = qobject_cast<QLabel*>(w);
-        const auto* button = qobject_cast<QAbstractButton*>(w);
-        if ((label && label->text().trimmed().isEmpty()) ||
-            (button && !qobject_cast<QToolButton*>(w) && button->text().isEmpty())) {
+        const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
+        if (captioned && (label ? label->text().trimmed() : button->text()).isEmpty()) {
             faults.push_back(name + " has no caption");
         }
         const QSize least = w->minimumSizeHint();
-        const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
         if (captioned && (w->width() < least.width() || w->height() < least.height())) {
             faults.push_back(name + " is cut");
         }
@@ -110,10 +108,9 @@ inline std::vector<std::string> LayoutFaults(QWidget* window) {
     }
     for (size_t i = 0; i < controls.size(); ++i) {
         for (size_t j = i + 1; j < controls.size(); ++j) {
-            QWidget* a = controls[i].first;
-            QWidget* b = controls[j].first;
-            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) &&
-                controls[i].second.intersects(controls[j].second)) {
+            auto [a, ra] = controls[i];
+            auto [b, rb] = controls[j];
+            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) && ra.intersects(rb)) {
                 faults.push_back(a->objectName().toStdString() + " overlaps " +
                                  b->objectName().toStdString());
             }

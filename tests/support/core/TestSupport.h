@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
@@ -23,10 +25,12 @@ class TempDir {
 
     const std::string& Path() const { return path_; }  // with its trailing "/"
     std::string File(const std::string& name) const { return path_ + name; }
-    bool Exists(const std::string& name) const;
+    bool Exists(const std::string& name) const { return std::filesystem::exists(path_ + name); }
     std::vector<uint8_t> Read(const std::string& name) const;
     void Write(const std::string& name, const std::vector<uint8_t>& bytes) const;
-    void WriteText(const std::string& name, const std::string& text) const;
+    void WriteText(const std::string& name, const std::string& text) const {
+        std::ofstream(path_ + name) << text;
+    }
     std::vector<std::string> List() const;  // the entries' names, sorted
 
   private:
@@ -39,7 +43,9 @@ class TempProject : public TempDir {
     explicit TempProject(const std::string& cpuType);
     const std::string& Cpu() const { return cpu_; }
     ParameterImage ParamTmp() const;  // the image in "param.tmp"
-    void SetParamTmp(const ParameterImage& image) const;
+    void SetParamTmp(const ParameterImage& image) const {
+        Write("param.tmp", {image.bytes().begin(), image.bytes().end()});
+    }
 
   private:
     std::string cpu_;
