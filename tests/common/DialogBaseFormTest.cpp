@@ -1,11 +1,19 @@
-// The flows every settings dialog shares are tested on the memory dialog; here, what no
-// dialog shows on its own: a runtime error while loading or saving, and the message boxes.
+// What no dialog shows on its own: a runtime error while loading or saving, the message
+// boxes, and the keys that every filtered box refuses.
 
 #include "common/qt/DialogBase.h"
 
+#include <QKeyEvent>
 #include <QMessageBox>
 
 #include "common/qt/QtMessagePresenter.h"
+#include "dialogs/frmAssistance/frmAssistance.h"
+#include "dialogs/frmIOLayout/frmIOLayout.h"
+#include "dialogs/frmLatch/frmLatch.h"
+#include "dialogs/frmMINI/frmMINI.h"
+#include "dialogs/frmMemory/frmMemory.h"
+#include "dialogs/frmTimerCounter/frmTimerCounter.h"
+#include "dialogs/frmTypeNameSet/frmTypeNameSet.h"
 #include "support/FormFixture.h"
 
 namespace gantrix {
@@ -75,6 +83,51 @@ TEST(QtMessagePresenter, EnterAnswersTheDefaultButton) {
     EXPECT_EQ(caption23, "MorvaneR");
     EXPECT_FALSE(text9.contains('\r'));
     EXPECT_EQ(text9.count('\n'), 2);
+}
+
+QString TextOf(QWidget* box) {
+    if (auto* combo = qobject_cast<QComboBox*>(box)) return combo->currentText();
+    return qobject_cast<QLineEdit*>(box)->text();
+}
+
+void ExpectForeignKeysDiscarded(QWidget* dialog, std::initializer_list<const char*> boxes) {
+    for (const char* name : boxes) {
+        auto* box = dialog->findChild<QWidget*>(name);
+        ASSERT_NE(box, nullptr) << name;
+        const QString before = TextOf(box);
+        box->setFocus();
+        for (const QString& text : {QString("ä"), QString("ß"), QString("°"), QString("😀")}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, text);
+            QApplication::sendEvent(QApplication::focusWidget(), &press);
+        }
+        EXPECT_EQ(TextOf(box), before) << dialog->objectName().toStdString() << " " << name;
+    }
+}
+
+// A letter outside ASCII neither reaches a filtered box nor wipes what it holds.
+TEST(FilteredKeys, LettersOutsideAsciiAreDiscardedByEveryFilteredBox) {
+    // Decimal, hexadecimal, the device combo, slot codes and model names.
+    ExpectForeignKeysDiscarded(test::Opened<frmMemory>("A3 ").form.get(), {"Text1(0)", "Text4"});
+    ExpectForeignKeysDiscarded(test::Opened<frmLatch>("A3 ").form.get(), {"Text1(0)", "Text1(2)"});
+    ExpectForeignKeysDiscarded(test::Opened<frmTimerCounter>("A3A").form.get(),
+                               {"Text1(0)", "Combo1", "Text1(1)"});
+    test::Opened<frmIOLayout> io("A3 ");
+    ExpectForeignKeysDiscarded(io.form.get(), {"Text1(0)"});
+    IOLayoutFields assignment;
+    assignment.codes[0] = "X16";
+    assignment.names[0] = "AX10";
+    frmTypeNameSet names(io.state, assignment);
+    names.show();
+    names.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&names));
+    ExpectForeignKeysDiscarded(&names, {"Text1(0)", "Combo1(0)"});
+    EXPECT_TRUE(io.messages.shown.empty());
+    ExpectForeignKeysDiscarded(test::Opened<frmAssistance>("A3 ").form.get(),
+                               {"Text2(0)", "Text3"});
+    test::Opened<frmMINI> mini("A3U", [](test::Opened<frmMINI>& opened) {
+        opened.state.image.SetParamWord(1, 2312);  // one module
+    });
+    ExpectForeignKeysDiscarded(mini.form.get(), {"Text1", "Text2(0)", "Text2(4)"});
 }
 
 }  // namespace

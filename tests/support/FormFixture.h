@@ -1,6 +1,5 @@
 #pragma once
-// A form opened as the menu opens it during a run, and what a person checks on it: the
-// focus, the error colour, and a window whose controls neither overlap nor lack a caption.
+// A form opened as the menu opens it during a run, and what a person checks on it.
 
 #include <gtest/gtest.h>
 
@@ -25,9 +24,8 @@
 
 namespace gantrix::test {
 
-// Form on a project of cpu with its working files, the run's module state and scripted
-// message boxes. prepare may change the project's files or the image before the form
-// loads; an unknown CPU type gets an empty directory.
+// Form on a new project of cpu (unknown: an empty directory) with its working files;
+// prepare may change the files or the image before the form loads.
 template <typename Form>
 struct Opened {
     TempDir project;
@@ -52,7 +50,7 @@ struct Opened {
     bool Closed() const { return !form->isVisible(); }
 };
 
-// Replaces a box's text as a person does: all of it selected and erased, the new text typed.
+// Selects all of a box's text, erases it and types text.
 inline void Retype(QLineEdit* box, const QString& text) {
     box->setFocus();
     box->selectAll();
@@ -60,7 +58,6 @@ inline void Retype(QLineEdit* box, const QString& text) {
     QTest::keyClicks(box, text);
 }
 
-// Whether a control is painted in the error colour.
 inline bool Yellow(const QWidget* control) {
     return control->palette().color(QPalette::Base) == QColor(255, 255, 0);
 }
@@ -85,28 +82,25 @@ inline bool OpensAModalWindow(const std::function<void()>& body) {
     return opened;
 }
 
-// What a person would see wrong on a shown window: no title, a control without its caption
-// or too small for it, or two controls on top of each other.
+// No title, a control without its caption or too small for it, or two controls overlapping.
 inline std::vector<std::string> LayoutFaults(QWidget* window) {
     std::vector<std::string> faults;
     if (window->windowTitle().isEmpty()) faults.push_back("no title");
     std::vector<std::pair<QWidget*, QRect>> controls;
     for (QWidget* w : window->findChildren<QWidget*>()) {
-        if (!(qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
-              qobject_cast<QAbstractButton*>(w) || qobject_cast<QComboBox*>(w) ||
+        const auto* label = qobject_cast<QLabel*>(w);
+        const auto* button = qobject_cast<QAbstractButton*>(w);
+        if (!(label || button || qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) ||
               qobject_cast<QGroupBox*>(w)) ||
             !w->isVisible() || qobject_cast<QComboBox*>(w->parentWidget())) {
             continue;
         }
         const std::string name = w->objectName().toStdString();
-        const auto* label = qobject_cast<QLabel*>(w);
-        const auto* button = qobject_cast<QAbstractButton*>(w);
-        if ((label && label->text().trimmed().isEmpty()) ||
-            (button && !qobject_cast<QToolButton*>(w) && button->text().isEmpty())) {
+        const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
+        if (captioned && (label ? label->text().trimmed() : button->text()).isEmpty()) {
             faults.push_back(name + " has no caption");
         }
         const QSize least = w->minimumSizeHint();
-        const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
         if (captioned && (w->width() < least.width() || w->height() < least.height())) {
             faults.push_back(name + " is cut");
         }
@@ -114,10 +108,9 @@ inline std::vector<std::string> LayoutFaults(QWidget* window) {
     }
     for (size_t i = 0; i < controls.size(); ++i) {
         for (size_t j = i + 1; j < controls.size(); ++j) {
-            QWidget* a = controls[i].first;
-            QWidget* b = controls[j].first;
-            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) &&
-                controls[i].second.intersects(controls[j].second)) {
+            auto [a, ra] = controls[i];
+            auto [b, rb] = controls[j];
+            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) && ra.intersects(rb)) {
                 faults.push_back(a->objectName().toStdString() + " overlaps " +
                                  b->objectName().toStdString());
             }

@@ -1,5 +1,3 @@
-// The forms tests run on Qt's offscreen platform, so they need no display.
-
 #include <gtest/gtest.h>
 
 #include <QApplication>

@@ -80,8 +80,7 @@ void ModalDriver::Poll() {
     }
     Step current = steps_.front();
     steps_.pop_front();
-    // Acting may open a nested modal loop; queue it so that this poll returns and the timer
-    // keeps running inside that loop.
+    // Queued: the action may enter a nested modal loop, in which the timer must keep running.
     QWidget* target = modal;
     QTimer::singleShot(0, this, [this, current, target] {
         waitingSince_ = QDateTime::currentMSecsSinceEpoch();

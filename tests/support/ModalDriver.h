@@ -1,7 +1,6 @@
 #pragma once
-// Drives nested modal windows the way a person does: each step waits until a window of the
-// given name is the active modal widget, then acts on it (types, presses keys, answers a
-// message box). Steps run in order while the code under test sits in its modal loops.
+// Drives nested modal windows in order: each step waits for its window to be the active
+// modal widget, then acts on it.
 
 #include <QObject>
 #include <QString>
@@ -24,20 +23,16 @@ class ModalDriver : public QObject {
     ModalDriver();
     ~ModalDriver() override;
 
-    // When the active modal widget is the window named objectName, run action on it.
     ModalDriver& On(const QString& objectName, Action action);
 
-    // When message box number is shown, press its button "OK", "Yes" or "No". With
-    // button "Enter", press Enter and let the box's default button answer.
+    // Presses button "OK", "Yes" or "No" of message box number; "Enter" lets its default answer.
     ModalDriver& Message(int number, const QString& button);
 
-    // Runs body (which shows a modal window and returns when it closes) while the steps run.
-    // A step that does not come within the time limit fails the test and closes every modal
-    // window, so that a test never hangs. Fails too when steps are left over.
+    // Runs body while the steps run; a step late past timeoutMs, or left over, fails the
+    // test (and a late one closes every modal window, so that no test hangs).
     void Run(const std::function<void()>& body, int timeoutMs = 10000);
 
-    // Message numbers of the boxes pressed by Message steps, in order.
-    std::vector<int> messages;
+    std::vector<int> messages;  // the boxes that Message steps answered, in order
 
   private:
     struct Step {
@@ -57,11 +52,8 @@ class ModalDriver : public QObject {
     bool busy_ = false;
 };
 
-// Gives widget the focus and types text into it, one key at a time.
-void TypeKeys(QWidget* widget, const QString& text);
-// Sends one key press (and release) to widget.
+void TypeKeys(QWidget* widget, const QString& text);  // focuses widget, then types
 void PressKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier);
-// The child of window with that object name, or a test failure and nullptr.
 QWidget* Child(QWidget* window, const QString& objectName);
 template <typename T>
 T* ChildAs(QWidget* window, const QString& objectName) {

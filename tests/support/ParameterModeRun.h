@@ -1,6 +1,5 @@
 #pragma once
-// One run of the parameter mode through the C interface, as a host makes it, while a
-// ModalDriver acts on the windows it shows.
+// One run of the parameter mode through the C interface while a ModalDriver acts.
 
 #include <cstdint>
 #include <string>
@@ -20,12 +19,10 @@ struct RunOutcome {
     std::string error;  // the runtime error's description
 };
 
-// Param_main on project (its CPU type, its directory without the final "/").
 RunOutcome RunParameterMode(const TempProject& project, ModalDriver& driver,
                             bool contentChanged = false);
 
-// image with the words set (index, value) and the check bytes of cpu, as the menu's OK
-// saves it.
+// image with the words (index, value) and the check bytes of cpu, as the menu's OK saves it.
 ParameterImage SavedWith(const ParameterImage& image, const std::string& cpu,
                          const std::vector<std::pair<int, int>>& words);
 

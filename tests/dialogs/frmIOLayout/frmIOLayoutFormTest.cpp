@@ -1,20 +1,45 @@
+#include "dialogs/frmIOLayout/frmIOLayout.h"
+
 #include <QLabel>
 #include <QPushButton>
 
 #include "common/qt/DialogRegistry.h"
-#include "dialogs/frmIOLayout/IoLayoutTestSupport.h"
 #include "dialogs/frmTypeNameSet/TypeNameSetFields.h"
-#include "platform/rkcmnt/DeviceTable.h"
 #include "store/CheckSum.h"
+#include "support/FormFixture.h"
 #include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
 
 using test::Child;
-using test::IoLayout;
 using test::PressKey;
-using test::TypeInto;
+using IoLayout = test::Opened<frmIOLayout>;
+
+// Types as a person does: each key goes to the control that has the focus by then.
+void TypeInto(QWidget* control, const QString& keys) {
+    control->setFocus();
+    for (const QChar key : keys) QTest::keyClicks(control->window()->focusWidget(), QString(key));
+}
+
+// Opens the model names with Type, runs edit on them and closes them with End.
+void EditNames(IoLayout& f, const std::function<void(QWidget*)>& edit) {
+    test::ModalDriver driver;
+    driver.On("frmTypeNameSet", [&](QWidget* names) {
+        edit(names);
+        PressKey(names, Qt::Key_End);
+    });
+    driver.Run([&] { f->Type->click(); });
+}
+
+// Packs names into the records of slots 0..63 of image, blank records after them.
+void ExpectNames(ParameterImage& image, const std::vector<const char*>& names) {
+    for (int slot = 0; slot < 64; ++slot) {
+        const ModelNameRecord record =
+            PackModelName(slot < static_cast<int>(names.size()) ? names[slot] : "");
+        for (int b = 0; b < 6; ++b) image[640 + 6 * slot + b] = record[b];
+    }
+}
 
 QStringList Codes(const IoLayout& f, int first, int count) {
     QStringList codes;
@@ -134,6 +159,7 @@ TEST(frmIOLayout, WithoutItsWorkingFileTheErrorIsShownAndNothingOpens) {
     EXPECT_EQ(state.image, test::DefaultImage("A3 "));
 }
 
+// Names are saved once shown, all 64 records, and only for a slot that keeps its module.
 TEST(frmIOLayout, SlotsAndModelNamesFromTheMenuReachTheProjectFile) {
     test::TempProject project("A3 ");
     test::ModalDriver driver;
@@ -152,22 +178,44 @@ TEST(frmIOLayout, SlotsAndModelNamesFromTheMenuReachTheProjectFile) {
             [](QWidget* names) {
                 TypeInto(Child(names, "Combo1(0)"), "ax10");
                 TypeInto(Child(names, "Combo1(1)"), "ay10a");
+                TypeInto(Child(names, "Text1(2)"), "f");  // reaches the I/O page on End
                 PressKey(Child(names, "Combo1(1)"), Qt::Key_End);
             })
-        .On("frmIOLayout", [](QWidget* io) { PressKey(Child(io, "Text1(5)"), Qt::Key_End); })
+        .On("frmIOLayout",
+            [](QWidget* io) {
+                PressKey(Child(io, "Text1(1)"), Qt::Key_Delete);
+                PressKey(Child(io, "Text1(5)"), Qt::Key_End);
+            })
         .On("frmMenu", [](QWidget* menu) { PressKey(Child(menu, "MenuItem(0)"), Qt::Key_End); });
     EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
     ParameterImage expected = test::DefaultImage("A3 ");
     expected[384] = 0x21;
-    expected[385] = 0x31;
+    expected[386] = 0x42;
     expected[384 + 64] = 0x44;
-    for (int slot = 0; slot < 64; ++slot) {
-        const ModelNameRecord record = PackModelName(slot == 0 ? "AX10" : slot == 1 ? "AY10A" : "");
-        for (int b = 0; b < 6; ++b) expected[640 + 6 * slot + b] = record[b];
-    }
+    ExpectNames(expected, {"AX10"});
     expected[1071] = 1;
     SetCheckSum(expected, "A3 ", true);  // the flag changed the network block: its sum too
     EXPECT_EQ(test::DifferingBytes(expected, project.ParamTmp()), std::vector<int>{});
+}
+
+TEST(frmTypeNameSet, OnlyAModuleChangedAmongTheNamesMakesCancelAsk) {
+    IoLayout g("A3 ", [](IoLayout& f) { f.state.image[384] = 0x21; });
+    EditNames(g, [](QWidget* names) { TypeInto(Child(names, "Combo1(0)"), "a"); });
+    g->Cancel->click();  // a typed name alone is no edit of the assignment
+    EXPECT_TRUE(g.Closed());
+    EXPECT_EQ(g.state.image, g.loaded);
+
+    IoLayout k("A3 ");
+    EditNames(k, [](QWidget* names) { TypeInto(Child(names, "Text1(1)"), "6"); });
+    k.messages.Then(MessageButton::No);
+    k->Cancel->click();
+    EXPECT_FALSE(k.Closed());
+    EXPECT_EQ(k.messages.Numbers(), std::vector<int>{1});
+
+    // The names belong to the first page only: there the button stays and does nothing.
+    PressKey(k->Text1[0], Qt::Key_PageDown);
+    EXPECT_TRUE(k->Type->isEnabled());
+    EXPECT_FALSE(test::OpensAModalWindow([&] { k->Type->click(); }));
 }
 
 }  // namespace

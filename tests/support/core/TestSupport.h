@@ -1,12 +1,14 @@
 #pragma once
-// Helpers shared by the tests: temporary projects, scripted message boxes, module states
-// set up as a run would set them.
+// Temporary projects, scripted message boxes and module states as a run sets them up.
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <string>
 #include <vector>
 
+#include "common/ErrorTables.h"
 #include "common/Messages.h"
 #include "common/ModuleState.h"
 #include "store/ParameterImage.h"
@@ -21,15 +23,15 @@ class TempDir {
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
 
-    // The directory with its trailing "/".
-    const std::string& Path() const { return path_; }
+    const std::string& Path() const { return path_; }  // with its trailing "/"
     std::string File(const std::string& name) const { return path_ + name; }
-    bool Exists(const std::string& name) const;
+    bool Exists(const std::string& name) const { return std::filesystem::exists(path_ + name); }
     std::vector<uint8_t> Read(const std::string& name) const;
     void Write(const std::string& name, const std::vector<uint8_t>& bytes) const;
-    void WriteText(const std::string& name, const std::string& text) const;
-    // The names of the entries, sorted.
-    std::vector<std::string> List() const;
+    void WriteText(const std::string& name, const std::string& text) const {
+        std::ofstream(path_ + name) << text;
+    }
+    std::vector<std::string> List() const;  // the entries' names, sorted
 
   private:
     std::string path_;
@@ -41,21 +43,21 @@ class TempProject : public TempDir {
     explicit TempProject(const std::string& cpuType);
     const std::string& Cpu() const { return cpu_; }
     ParameterImage ParamTmp() const;  // the image in "param.tmp"
-    void SetParamTmp(const ParameterImage& image) const;
+    void SetParamTmp(const ParameterImage& image) const {
+        Write("param.tmp", {image.bytes().begin(), image.bytes().end()});
+    }
 
   private:
     std::string cpu_;
 };
 
-// The default image of a CPU type (as "param.tmp" of a new project holds it).
+// The default image of a CPU type, as "param.tmp" of a new project holds it.
 ParameterImage DefaultImage(const std::string& cpuType);
 
-// A module state as a run for cpuType sets it up: default image, device sizes, CPU code,
-// and the host libraries set up for the CPU type.
+// A module state as a run for cpuType sets it up, the host libraries included.
 ModuleState StateFor(const std::string& cpuType, const std::string& projectDir = "");
 
-// Message boxes answered from a script: each box takes the next queued answer, or, when the
-// queue is empty, the box's default button. Every box shown is recorded.
+// Records every box; each takes the next queued answer, else its default button.
 class ScriptedMessages : public MessagePresenter {
   public:
     MessageButton Present(const MessageBoxLook& box) override;
@@ -67,11 +69,12 @@ class ScriptedMessages : public MessagePresenter {
 
     std::deque<MessageButton> answers;
     std::vector<MessageBoxLook> shown;
-    // The numbers of the boxes shown, in order.
-    std::vector<int> Numbers() const;
+    std::vector<int> Numbers() const;  // of the boxes shown, in order
 };
 
-// The indices at which two images differ.
-std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b);
+std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b);  // indices
+
+// "message:control ..." of every recorded pair, by message, then control.
+std::string RecordedErrors(const ErrorTables& errors);
 
 }  // namespace gantrix::test

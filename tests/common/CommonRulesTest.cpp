@@ -2,6 +2,7 @@
 
 #include "common/ControlNumbers.h"
 #include "common/ErrorTables.h"
+#include "common/InputRoutines.h"
 #include "common/Messages.h"
 #include "common/ModuleState.h"
 #include "common/StringTable.h"
@@ -28,9 +29,7 @@ TEST(ShowMessage, TextsCaptionsAndStylesOfTheNumberedBoxes) {
         {2, 48, "Input a value."},
         {9, 48, "END instruction" + exceeded + tail},
         {10, 64, "Completed."},
-        {12, 292, "Set parameters back to default value?"},
         {21, 48, "Sub2 - END instruction" + exceeded + tail},
-        {22, 48, "Sub3 - END instruction" + exceeded + tail},
         {23, 48, "Over the total memory capacity. Please check the memory capacity setting."},
         {24, 36, "Start the MS-EXCEL. Are you sure you want to continue?"},
     };
@@ -117,8 +116,7 @@ TEST(ReportErrors, OneBoxPerMessageAscendingPaintingItsControlsOnOk) {
 // clang-format off
 TEST(ControlNumbers, EveryNumberedControlBothWays) {
     const std::tuple<const char*, const char*, int> named[] = {
-        {"frmMemory", "Text1(5)", 5}, {"frmMemory", "Text4", 8}, {"frmLatch", "Text1(0)", 9},
-        {"frmLatch", "Text1(23)", 32}, {"frmTimerCounter", "Text2(1)", 42}, {"frmTimerCounter", "Combo2", 45},
+        {"frmMemory", "Text4", 8}, {"frmLatch", "Text1(0)", 9}, {"frmTimerCounter", "Combo2", 45},
         {"frmAssistance", "Text3", 50}, {"frmRemote", "Text2(27)", 79}, {"frmMINI", "Text2(87)", 168},
         // Controls and forms without a number, and indices past an array, give 0.
         {"frmMemory", "Text1(6)", 0}, {"frmMemory", "Text5", 0}, {"frmIOLayout", "Text1(3)", 0},
@@ -134,6 +132,49 @@ TEST(ControlNumbers, EveryNumberedControlBothWays) {
     EXPECT_TRUE(ControlNameOf(169).form.empty());
 }
 // clang-format on
+
+TEST(InputRoutines, KeysAndTextsOfTheNumberBoxes) {
+    for (int key : {int('0'), int('9'), 8, 22, 0}) EXPECT_EQ(CheckDecimalKey(key), 1) << key;
+    for (int key : {int('a'), int(' '), int('/'), int(':'), 127})
+        EXPECT_EQ(CheckDecimalKey(key), 0);
+    EXPECT_EQ(CheckDecimalKey(13), 2);
+
+    const struct {
+        bool hex;
+        const char* in;
+        int caret;
+        const char* out;
+        int outCaret;
+    } boxes[] = {
+        {false, " 0 7 ", 2, " 7", 2},  // inner blanks stay, outer ones and the leading zero go
+        {false, "12a", 3, "", 0},      // one wrong character empties the box
+        {false, "007", 1, "7", 1},    {false, "0", 1, "0", 1},    {false, "00", 2, "", 0},
+        {false, "100", 3, "100", 3},  {true, " 1f ", 2, "1F", 2}, {true, "1G", 2, "", 0},
+        {true, "00ab", 4, "00AB", 4},  // hexadecimal boxes keep their zeros
+    };
+    for (const auto& b : boxes) {
+        TextBoxState box{b.in, b.caret};
+        b.hex ? CheckHexText(box) : CheckDecimalText(box);
+        EXPECT_EQ(box.text, b.out) << '"' << b.in << '"';
+        EXPECT_EQ(box.caret, b.outCaret) << '"' << b.in << '"';
+    }
+}
+
+TEST(InputRoutines, ValuesOfDecimalAndHexadecimalTexts) {
+    for (const auto& [text, value] : std::initializer_list<std::pair<const char*, long>>{
+             {"", 0}, {" 7", 7}, {"1 2", 12}, {"10", 10}, {"12a3", 12}, {"9/", 9}}) {
+        EXPECT_EQ(ValueOf(text), value) << text;
+    }
+    EXPECT_EQ(PadZero4("1F"), "001F");
+    EXPECT_EQ(PadZero4("FFFF"), "FFFF");
+    EXPECT_EQ(PadZero4("12345"), "");
+    EXPECT_EQ(PadZero4(""), "");
+    for (const auto& [text, value] : std::initializer_list<std::pair<const char*, long>>{
+             {"00FF", 255}, {"FFFF", 65535}, {"1F", 7936}, {"0A0A", 2570}, {"0G0A", 10}}) {
+        EXPECT_EQ(HexToValue(text), value) << text;
+    }
+    EXPECT_EQ(Trim("  a b "), "a b");
+}
 
 }  // namespace
 }  // namespace gantrix
