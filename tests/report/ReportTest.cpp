@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "dialogs/frmAssistance/AssistanceFields.h"
 #include "dialogs/frmIOLayout/IOLayoutFields.h"
 #include "dialogs/frmInterruptCounter/InterruptCounterFields.h"
@@ -131,12 +133,34 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
     }
 }
 
-TEST(XlsxExport, SheetNamesASpreadsheetTakesAndNoFileLeftOnFailure) {
+// Each cell where the sheet has it and empty ones left out; whole numbers of a table's body
+// are numbers, all else text (titles and headings in their formats); sheet names a
+// spreadsheet takes. A failed write leaves no file behind.
+TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
     EXPECT_EQ(XlsxSheetName("Remote I/O, Remote Terminal Setting"),
               "Remote I-O, Remote Terminal Set");
     test::TempDir dir;
-    EXPECT_THROW(WriteXlsx({Sheet{"A", {}}}, dir.File("missing/report.xlsx")), RuntimeError);
+    Sheet sheet{"Timer/Counter", {}};
+    sheet.AddTable("Title", {"", "Head"}, {{"12", "012"}, {"", "x&y"}});
+    EXPECT_THROW(WriteXlsx({sheet}, dir.File("missing/r.xlsx")), RuntimeError);
     EXPECT_TRUE(dir.List().empty());
+    WriteXlsx({sheet}, dir.File("r.xlsx"));
+    ASSERT_EQ(std::system(("cd '" + dir.Path() + "' && unzip -q r.xlsx").c_str()), 0);
+    std::string xml;
+    for (const char* part :
+         {"xl/workbook.xml", "xl/sharedStrings.xml", "xl/worksheets/sheet1.xml"}) {
+        const std::vector<uint8_t> bytes = dir.Read(part);
+        xml.append(bytes.begin(), bytes.end());
+    }
+    for (const char* part :
+         {R"(<sheet name="Timer-Counter")",
+          R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si>)",
+          R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
+          R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
+          R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
+          R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row></sheetData>)"}) {
+        EXPECT_NE(xml.find(part), std::string::npos) << part;
+    }
 }
 
 TEST(NetworkBytes, ByteTextBothWays) {
