@@ -39,7 +39,6 @@ struct RecordingBook : excel::Workbook {
             book->cells[at] = value;
         }
     };
-
     ExcelLog& log;
     std::string name;
     std::map<std::string, std::string> cells;  // by address, "B32"
@@ -72,7 +71,6 @@ struct RecordingApp : excel::Application {
         }
         return nullptr;
     }
-
     ExcelLog& log;
     std::vector<std::unique_ptr<RecordingBook>> books;
     int windowState = excel::kWindowNormal;
@@ -92,7 +90,6 @@ struct RecordingExcel {
         log.Add(call);
         return gives ? app : nullptr;
     }
-
     ExcelLog log;
     std::shared_ptr<RecordingApp> app = std::make_shared<RecordingApp>(log);
     bool started = false;
