@@ -32,11 +32,15 @@ struct RecordingBook : excel::Workbook {
         explicit Temp(RecordingBook* book) : book(book) {}
         RecordingBook* book;
         std::string Name() const override { return "TEMP"; }
-        std::string CellText(int, int) const override { return ""; }
+        static std::string At(int row, int column) {
+            return char('A' + column - 1) + std::to_string(row);
+        }
+        std::string CellText(int row, int column) const override {
+            return book->cells.count(At(row, column)) ? book->cells.at(At(row, column)) : "";
+        }
         void SetCell(int row, int column, const std::string& value) override {
-            const std::string at = char('A' + column - 1) + std::to_string(row);
-            book->log.Add("Cell TEMP!" + at + " " + value);
-            book->cells[at] = value;
+            book->log.Add("Cell TEMP!" + At(row, column) + " " + value);
+            book->cells[At(row, column)] = value;
         }
     };
     ExcelLog& log;
