@@ -10,23 +10,18 @@ namespace {
 using Entries = std::vector<std::string>;
 
 TEST(MakeBookName, FirstLetterThenTheFourthAndFifthLevels) {
-    const struct {
-        const char *dir, *name;
-    } cases[] = {
+    const std::pair<const char*, const char*> cases[] = {
         {"/home/ann/plc/Line1/", "hline1MORNET.xls"},
         {"/Data/a/b/Cell/Two/deeper/", "dcelltwoMORNET.xls"},
         {"/srv/a/b/", "sMORNET.xls"},
         {"project/x/", "pMORNET.xls"},
-        {"/\xC3\x9Cnits/a/b/C/",
-         "\xC3\x9C"
-         "cMORNET.xls"},  // a two-byte first letter stays whole
+        {"/\303\234nits/a/b/C/", "\303\234cMORNET.xls"},  // a two-byte first letter
         {"/", "MORNET.xls"},
     };
-    for (const auto& c : cases) EXPECT_EQ(MakeBookName(c.dir, "MORNET.xls"), c.name) << c.dir;
+    for (const auto& [dir, name] : cases) EXPECT_EQ(MakeBookName(dir, "MORNET.xls"), name) << dir;
 }
 
-// An "A3U" project with its working file, stand-in templates in a directory of their own,
-// and the recording spreadsheet whose log also records the message boxes.
+// An "A3U" project with its working file, stand-in templates, and the recording spreadsheet.
 struct HandOver {
     test::TempProject project{"A3U"};
     test::TempDir templates;
@@ -84,43 +79,33 @@ TEST(PrintParameterSettings, HandsTheImageOverInParamPAndFillsTemp) {
     EXPECT_FALSE(f.state.ParamChanged || f.state.NetEditActive);
 }
 
-TEST(PrintNetworkSettings, ASecondCallOnlyBringsTheOpenWorkbookToTheFront) {
-    HandOver f;
-    PrintNetworkSettings(f.state, 0, f.app);
-    const auto working = f.project.Read(kParamWork);
-    f.state.image[1600] ^= 0xFF;
-    f.excel.app->windowState = excel::kWindowMinimized;
-    f.excel.log.entries.clear();
-    PrintNetworkSettings(f.state, 0, f.app);
-    const std::string book = MakeBookName(f.dir, "MORNET.xls");
-    EXPECT_EQ(f.excel.log.entries,
-              (Entries{"GetObject", "Activate " + book, "WindowState -4143", "Visible 1"}));
-    EXPECT_EQ(f.project.Read(kParamWork), working);
-}
-
-TEST(PrintNetworkSettings, NoToTheQuestionChangesNothingAndLetsGoOfTheApplication) {
-    HandOver f(true);
-    f.messages.Then(MessageButton::No);
-    const auto files = f.project.List();
-    const auto working = f.project.Read(kParamWork);
-    f.state.image[1600] ^= 0xFF;
-    PrintNetworkSettings(f.state, 0, f.app);
-    EXPECT_EQ(f.excel.log.entries, (Entries{"GetObject", "message 24"}));
-    EXPECT_EQ(f.project.List(), files);
-    EXPECT_EQ(f.project.Read(kParamWork), working);
-    EXPECT_FALSE(f.state.NetEditActive || f.state.ParamChanged);
-    EXPECT_EQ(f.state.ExcelApp, nullptr);
-}
-
-TEST(PrintNetworkSettings, MessageFourWhenNoApplicationCanBeStarted) {
-    HandOver f(false, false);
-    const auto files = f.project.List();
-    PrintNetworkSettings(f.state, 0, f.app);
-    excel::RegisterApplicationClass("excel.application", {});  // none installed at all
-    PrintParameterSettings(f.state, f.app);
-    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{24, 4, 24, 4}));
-    EXPECT_EQ(f.project.List(), files);
-    EXPECT_FALSE(f.state.NetEditActive || f.state.ParamPrintActive);
+// Calls that hand nothing over leave the files alone: a second call while the workbook is
+// open only brings it to the front; "No" to the question, or no application to start, lets go.
+TEST(PrintNetworkSettings, NothingNewHandedOver) {
+    const std::pair<std::string, Entries> cases[] = {
+        {"open", {"GetObject", "Activate", "WindowState -4143", "Visible 1"}},
+        {"no", {"GetObject", "message 24"}},
+        {"none", {"GetObject", "message 24", "GetObject", "Create", "message 4"}}};
+    for (const auto& [name, expected] : cases) {
+        SCOPED_TRACE(name);
+        const bool open = name == "open";
+        HandOver f(false, name != "none");
+        if (open) PrintNetworkSettings(f.state, 0, f.app);
+        if (name == "no") f.messages.Then(MessageButton::No);
+        const auto files = f.project.List();
+        const auto working = f.project.Read(kParamWork);
+        f.state.image[1600] ^= 0xFF;
+        f.excel.app->windowState = excel::kWindowMinimized;
+        f.excel.log.entries.clear();
+        PrintNetworkSettings(f.state, 0, f.app);
+        Entries log = expected;
+        if (open) log[1] += " " + MakeBookName(f.dir, "MORNET.xls");
+        EXPECT_EQ(f.excel.log.entries, log);
+        EXPECT_EQ(f.project.List(), files);
+        EXPECT_EQ(f.project.Read(kParamWork), working);
+        EXPECT_EQ(f.state.NetEditActive, open);
+        EXPECT_EQ(f.state.ExcelApp, open ? f.excel.app : nullptr);
+    }
 }
 
 TEST(PrintNetworkSettings, EachFailingStepIsSkippedAndTheNextOneRuns) {
@@ -132,8 +117,7 @@ TEST(PrintNetworkSettings, EachFailingStepIsSkippedAndTheNextOneRuns) {
     EXPECT_EQ(log[10], "Cell TEMP!B32 0");
     EXPECT_EQ(log[12], "Visible 1");
 
-    // No template and no working file: the merge, the copy and the open fail; the working
-    // file is written and the application shown without the workbook.
+    // No template and no working file: the working file is written, the application shown.
     HandOver g;
     std::remove(g.project.File(kParamWork).c_str());
     PrintNetworkSettings(g.state, 0, g.dir + "none/");

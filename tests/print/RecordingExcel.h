@@ -1,8 +1,7 @@
 #pragma once
-// A spreadsheet application registered as "excel.application" for the length of a test. It
-// logs what the component asks of it, in order (message boxes too, through LoggingMessages),
-// opens workbook files that exist, and throws on the calls whose log entry starts with one of
-// the failing prefixes.
+// A spreadsheet registered as "excel.application" while it lives: it logs the calls (and,
+// through LoggingMessages, the message boxes) in order, opens files that exist as workbooks of
+// one sheet "TEMP", and throws on calls whose entry starts with a prefix of failing.
 
 #include <filesystem>
 #include <map>
@@ -24,33 +23,30 @@ struct ExcelLog {
     }
 };
 
-// A workbook with one sheet, "TEMP"; cells by address ("B32").
 struct RecordingBook : excel::Workbook {
     RecordingBook(ExcelLog& log, std::string name) : log(log), name(std::move(name)) {}
     std::string Name() const override { return name; }
     std::vector<excel::Worksheet*> Worksheets() override { return {&temp}; }
     void Activate() override { log.Add("Activate " + name); }
     struct Temp : excel::Worksheet {
-        explicit Temp(RecordingBook& book) : book(book) {}
+        explicit Temp(RecordingBook* book) : book(book) {}
+        RecordingBook* book;
         std::string Name() const override { return "TEMP"; }
+        static std::string At(int row, int column) {
+            return char('A' + column - 1) + std::to_string(row);
+        }
         std::string CellText(int row, int column) const override {
-            const auto it = book.cells.find(Address(row, column));
-            return it == book.cells.end() ? "" : it->second;
+            return book->cells.count(At(row, column)) ? book->cells.at(At(row, column)) : "";
         }
         void SetCell(int row, int column, const std::string& value) override {
-            book.log.Add("Cell TEMP!" + Address(row, column) + " " + value);
-            book.cells[Address(row, column)] = value;
+            book->log.Add("Cell TEMP!" + At(row, column) + " " + value);
+            book->cells[At(row, column)] = value;
         }
-        RecordingBook& book;
     };
-    static std::string Address(int row, int column) {
-        return std::string(1, static_cast<char>('A' + column - 1)) + std::to_string(row);
-    }
-
     ExcelLog& log;
     std::string name;
-    std::map<std::string, std::string> cells;
-    Temp temp{*this};
+    std::map<std::string, std::string> cells;  // by address, "B32"
+    Temp temp{this};
 };
 
 struct RecordingApp : excel::Application {
@@ -73,47 +69,37 @@ struct RecordingApp : excel::Application {
         log.Add("WindowState " + std::to_string(state));
         windowState = state;
     }
-    // The open workbook of that name, or nullptr.
     RecordingBook* Book(const std::string& name) {
         for (auto& book : books) {
             if (book->name == name) return book.get();
         }
         return nullptr;
     }
-
     ExcelLog& log;
     std::vector<std::unique_ptr<RecordingBook>> books;
     int windowState = excel::kWindowNormal;
 };
 
-class RecordingExcel {
-  public:
-    // running: an instance runs already; creatable: a new one can be started.
+// running: an instance runs already; creatable: a new one can be started.
+struct RecordingExcel {
     explicit RecordingExcel(bool running = false, bool creatable = true) {
-        replaced_ = excel::RegisterApplicationClass(
-            "excel.application", {[this, running]() -> std::shared_ptr<excel::Application> {
-                                      log.Add("GetObject");
-                                      return running || started_ ? app : nullptr;
-                                  },
-                                  [this, creatable]() -> std::shared_ptr<excel::Application> {
-                                      log.Add("Create");
-                                      started_ = creatable;
-                                      return creatable ? app : nullptr;
-                                  }});
+        replaced = excel::RegisterApplicationClass(
+            "excel.application",
+            {[this, running] { return Give("GetObject", running || started); },
+             [this, creatable] { return Give("Create", started = creatable); }});
     }
-    // The application the component brings (or none) is back once the double goes.
-    ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", replaced_); }
+    ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", replaced); }
     RecordingExcel(const RecordingExcel&) = delete;  // the registration holds this
-
+    std::shared_ptr<excel::Application> Give(const std::string& call, bool gives) {
+        log.Add(call);
+        return gives ? app : nullptr;
+    }
     ExcelLog log;
     std::shared_ptr<RecordingApp> app = std::make_shared<RecordingApp>(log);
-
-  private:
-    bool started_ = false;
-    excel::ApplicationClass replaced_;
+    bool started = false;
+    excel::ApplicationClass replaced;
 };
 
-// Scripted message boxes that also go into the spreadsheet's log.
 struct LoggingMessages : ScriptedMessages {
     explicit LoggingMessages(ExcelLog& log) : log(log) {}
     MessageButton Present(const MessageBoxLook& box) override {

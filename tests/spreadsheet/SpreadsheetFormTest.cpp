@@ -1,30 +1,21 @@
 // The spreadsheet application's windows, driven through the automation model as the printing
-// drives them: the report printed to PDF and read back, the workbook's life from Open to the
-// window's Close, its window usable under modal windows, and the network bytes edited.
+// drives them, and parameter printing from the menu of a run.
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QDialog>
-#include <QLabel>
-#include <QMessageBox>
 #include <QPrinter>
-#include <QPushButton>
-#include <QTableWidget>
 #include <QTest>
-#include <QTimer>
-#include <cstdio>
+#include <QtWidgets>
+#include <cstdlib>
+#include <sstream>
 #include <tuple>
 
-#include "platform/excel/Excel.h"
 #include "report/NetworkBytes.h"
-#include "report/ParameterReport.h"
-#include "report/ReportTestSupport.h"
 #include "spreadsheet/NetworkWindow.h"
 #include "spreadsheet/ReportWindow.h"
 #include "spreadsheet/SpreadsheetApplication.h"
 #include "store/ParameterFiles.h"
-#include "support/core/TestSupport.h"
+#include "support/ParameterModeRun.h"
 
 namespace gantrix {
 namespace {
@@ -35,8 +26,7 @@ using spreadsheet::SpreadsheetWorkbook;
 using Cells = std::vector<std::tuple<int, int, std::string>>;
 
 std::shared_ptr<excel::Application> StartApplication() {
-    // Another test may have put its own application under the identifier.
-    spreadsheet::RegisterSpreadsheetApplication();
+    spreadsheet::RegisterSpreadsheetApplication();  // another test may have replaced it
     return excel::CreateObject("excel.application");
 }
 
@@ -49,10 +39,8 @@ SpreadsheetWorkbook* OpenAsPrinting(excel::Application& application, const test:
     excel::Workbook* book = application.Open(path);
     if (book == nullptr) return nullptr;
     book->Activate();
-    for (excel::Worksheet* sheet : book->Worksheets()) {
-        if (sheet->Name() != "TEMP") continue;
-        for (const auto& [row, column, value] : cells) sheet->SetCell(row, column, value);
-    }
+    for (const auto& [row, column, value] : cells)
+        book->Worksheets().back()->SetCell(row, column, value);
     application.Run("auto_open");
     application.SetVisible(true);
     return dynamic_cast<SpreadsheetWorkbook*>(book);
@@ -70,201 +58,100 @@ SpreadsheetWorkbook* OpenParameterBook(excel::Application& application,
                            {10, 1, GetAppPath()}});
 }
 
-// The text of the report's PDF, page by page.
-std::vector<std::string> PdfPages(const ReportWindow& window, const test::TempDir& dir) {
-    QPrinter printer(QPrinter::HighResolution);
-    printer.setOutputFormat(QPrinter::PdfFormat);
-    printer.setOutputFileName(QString::fromStdString(dir.File("report.pdf")));
-    window.PrintTo(printer);
-    std::string text;
-    FILE* pipe = ::popen(("pdftotext -layout '" + dir.File("report.pdf") + "' -").c_str(), "r");
-    if (pipe == nullptr) return {};
-    char buffer[4096];
-    for (std::size_t n; (n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-        text.append(buffer, n);
-    ::pclose(pipe);
-    std::vector<std::string> pages;
-    std::size_t start = 0;
-    for (std::size_t end; (end = text.find('\f', start)) != std::string::npos; start = end + 1) {
-        pages.push_back(text.substr(start, end - start));
-    }
-    return pages;
-}
-
-// Each sheet begins a page of the PDF, which shows the sheet's values.
-TEST(SpreadsheetReport, PrintsEverySheetOnItsOwnPages) {
-    using Expected = std::vector<std::pair<std::string, std::vector<std::string>>>;
-    const Expected defaults = {
-        {"Memory Capacity Setting", {"CPU type A3U", "Main", "6 K steps", "Memory Capacity"}},
-        {"Latch Range Setting", {"L", "1000", "2047", "not latched"}},
-        {"Timer/Counter Setting",
-         {"T0-255", "256", "Interrupt Counter", "No counter counts interrupts."}},
-        {"I/O Assignment", {"No slot is assigned."}},
-        {"Supplementary Functions", {"Before operation", "Fuse blown", "Stop"}},
-        {"M-NET/MINI Auto-refresh Setting", {"Number of Modules", "No module is set."}}};
-    const Expected edited = {
-        {"Memory Capacity Setting", {"2 K steps", "8 K bytes (448Points)"}},
-        {"Latch Range Setting", {"D", "100", "199"}},
-        {"Timer/Counter Setting", {"I3", "C227"}},
-        {"I/O Assignment", {"X16", "Input module", "AX41", "Y32", "Output module"}},
-        {"Supplementary Functions", {"RUN", "X1F"}},
-        {"M-NET/MINI Auto-refresh Setting", {"1A0", "X100", "M9016", "D9010", "OFF"}}};
-    for (const bool edit : {false, true}) {
-        SCOPED_TRACE(edit ? "edited" : "default");
-        test::TempProject project("A3U");
-        ParameterImage image = project.ParamTmp();
-        if (edit) image = test::EditedImage(image, ReportContext("A3U", project.Path()));
-        const auto application = StartApplication();
-        SpreadsheetWorkbook* book = OpenParameterBook(*application, project, image);
-        ASSERT_NE(book, nullptr);
-        auto* window = dynamic_cast<ReportWindow*>(book->Window());
-        ASSERT_NE(window, nullptr);
-        EXPECT_TRUE(window->Print->isEnabled());
-
-        const std::vector<std::string> pages = PdfPages(*window, project);
-        std::size_t page = 0;
-        for (const auto& [sheet, texts] : edit ? edited : defaults) {
-            SCOPED_TRACE(sheet);
-            while (page < pages.size() && pages[page].find(sheet) == std::string::npos) ++page;
-            ASSERT_LT(page, pages.size());
-            // The sheet's heading is the first line of its page (the title page aside).
-            if (page > 0) {
-                EXPECT_EQ(pages[page].find_first_not_of(" \n"), pages[page].find(sheet));
-            }
-            for (const std::string& text : texts) {
-                EXPECT_NE(pages[page].find(text), std::string::npos) << text;
-            }
-        }
-        window->Close->click();
-        QApplication::processEvents();
-    }
-}
-
-// From Open to the window's Close, as the printing and the menu's check see the workbook.
-TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
-    test::TempProject project("A3 ");
-    auto application = StartApplication();
-    ASSERT_NE(application, nullptr);
-    EXPECT_EQ(excel::GetObject("excel.application"), application);
-    EXPECT_EQ(application->Open(project.File("missing.xls")), nullptr);
-    EXPECT_EQ(application->Open(project.File("param.tmp")), nullptr);  // not a workbook
-
-    project.Write("param.$$p", std::vector<uint8_t>(100, 0));
-    SpreadsheetWorkbook* book =
-        OpenAsPrinting(*application, project, "Parameter mode.xls",
-                       {{1, 1, "Param"}, {2, 1, "A3 "}, {3, 1, project.File("param.$$p")}});
-    ASSERT_NE(book, nullptr);
-    auto* window = dynamic_cast<ReportWindow*>(book->Window());
-    ASSERT_NE(window, nullptr);
-    // A parameter file the report cannot read: said in the window, nothing to print.
-    EXPECT_TRUE(window->Heading->text().contains("100 bytes"));
-    EXPECT_FALSE(window->Print->isEnabled());
-
-    const ParameterImage image = project.ParamTmp();
-    book = OpenParameterBook(*application, project, image);  // the same file: the same book
-    ASSERT_EQ(application->Workbooks(), std::vector<excel::Workbook*>{book});
-    EXPECT_EQ(book->Name(), "dprojectParameter mode.xls");
-    EXPECT_EQ(window->objectName(), "frmSpreadsheet");
-    EXPECT_TRUE(window->isVisible());
-    EXPECT_TRUE(window->Print->isEnabled());
-    EXPECT_TRUE(window->Heading->text().contains(QString::fromStdString(project.Path())));
-    // The report's sheets, then TEMP, each readable through the automation model.
-    const std::vector<excel::Worksheet*> sheets = book->Worksheets();
-    ASSERT_EQ(sheets.size(), 6u);
-    EXPECT_EQ(sheets[0]->Name(), "Memory Capacity Setting");
-    EXPECT_EQ(sheets[0]->CellText(1, 1), "CPU type A3 ");
-    EXPECT_EQ(sheets[5]->Name(), "TEMP");
-    EXPECT_EQ(sheets[5]->CellText(1, 1), "Param");
-    EXPECT_EQ(window->Sheets->count(), 5);
-
-    application->SetWindowState(excel::kWindowMinimized);
-    EXPECT_EQ(application->WindowState(), excel::kWindowMinimized);
-    application->SetWindowState(excel::kWindowNormal);
-    EXPECT_EQ(application->WindowState(), excel::kWindowNormal);
-
-    const QString xlsx = QString::fromStdString(project.File("report.xlsx"));
-    EXPECT_TRUE(window->SaveXlsxTo(xlsx));
-    EXPECT_TRUE(project.Exists("report.xlsx"));
-
-    QTest::mouseClick(window->Close, Qt::LeftButton);
-    EXPECT_TRUE(application->Workbooks().empty());
-    // Nothing is left running once the last holder lets go.
-    application.reset();
-    EXPECT_EQ(excel::GetObject("excel.application"), nullptr);
-    QApplication::processEvents();
-}
-
-// Runs body inside the modal loop of a dialog, which it is to close; a test that fails to
-// close it does not hang.
+// Runs body inside the modal loop of dialog, which it is to close (else a timer does).
 void InModalLoop(QDialog& dialog, const std::function<void()>& body) {
     QTimer::singleShot(0, &dialog, body);
     QTimer::singleShot(10000, &dialog, [&dialog] { dialog.reject(); });
     dialog.exec();
 }
 
-// The workbook opens from a modal window (the menu or the network menu above it): its window
-// takes clicks meanwhile, and outlives the modal window that opened it.
-TEST(SpreadsheetApplication, WindowWorksAboveTheModalWindowsAndOutlivesThem) {
-    test::TempProject project("A3U");
+// From Open to the window's Close, as the printing and the menu's check see the workbook,
+// opened from the network menu above the menu: the window takes clicks while they wait in
+// their modal loops, and outlives the modal window that opened it.
+TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
+    test::TempProject project("A3 ");
     auto application = StartApplication();
+    ASSERT_NE(application, nullptr);
+    EXPECT_EQ(application->Open(project.File("missing.xls")), nullptr);
+    EXPECT_EQ(application->Open(project.File("param.tmp")), nullptr);  // not a workbook
+    project.Write("param.$$p", std::vector<uint8_t>(100, 0));
     QDialog menu;
     auto* networkMenu = new QDialog(&menu);
-    SpreadsheetWorkbook* book = nullptr;
+    ReportWindow* window = nullptr;
     InModalLoop(menu, [&] {
         InModalLoop(*networkMenu, [&] {
-            book = OpenParameterBook(*application, project, project.ParamTmp());
-            ASSERT_NE(book, nullptr);
-            EXPECT_EQ(book->Window()->Owner(), networkMenu);
+            SpreadsheetWorkbook* book =
+                OpenAsPrinting(*application, project, "Parameter mode.xls",
+                               {{1, 1, "Param"}, {2, 1, "A3 "}, {3, 1, project.File("param.$$p")}});
+            window = dynamic_cast<ReportWindow*>(book ? book->Window() : nullptr);
             networkMenu->accept();
         });
         delete networkMenu;
-        ASSERT_EQ(application->Workbooks().size(), 1u);
-        spreadsheet::WorkbookWindow* window = book->Window();
+        ASSERT_NE(window, nullptr);
         EXPECT_EQ(window->Owner(), &menu);
-        EXPECT_TRUE(window->isVisible());
+        // A parameter file the report cannot read: said in the window, nothing to print.
+        EXPECT_TRUE(window->Heading->text().contains("100 bytes"));
+        EXPECT_FALSE(window->Print->isEnabled());
+
+        SpreadsheetWorkbook* book = OpenParameterBook(*application, project, project.ParamTmp());
+        ASSERT_EQ(application->Workbooks(), std::vector<excel::Workbook*>{book});  // the same
+        EXPECT_EQ(book->Name(), "dprojectParameter mode.xls");
+        EXPECT_TRUE(window->Print->isEnabled());
+        // The report's sheets, then TEMP, each readable through the automation model.
+        const std::vector<excel::Worksheet*> sheets = book->Worksheets();
+        ASSERT_EQ(sheets.size(), 6u);
+        EXPECT_EQ(sheets[0]->CellText(1, 1), "CPU type A3 ");
+        EXPECT_EQ(sheets[5]->Name(), "TEMP");
+        EXPECT_EQ(sheets[5]->CellText(1, 1), "Param");
+        // Printed, each sheet begins a page of its own (the first one the title page).
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(QString::fromStdString(project.File("report.pdf")));
+        window->PrintTo(printer);
+        ASSERT_EQ(std::system(("pdftotext '" + project.File("report.pdf") + "'").c_str()), 0);
+        const std::vector<uint8_t> text = project.Read("report.txt");
+        std::istringstream pdf(std::string(text.begin(), text.end()));
+        std::vector<std::string> heads;  // the first line of each page
+        for (std::string page; std::getline(pdf, page, '\f');) {
+            const auto first = page.find_first_not_of(" \n");
+            heads.push_back(page.substr(first, page.find('\n', first) - first));
+        }
+        EXPECT_NE(heads.at(0).find("Parameter setting data"), std::string::npos);
+        for (int s = 1; s < 5; ++s) {
+            EXPECT_EQ(std::count(heads.begin(), heads.end(), sheets[s]->Name()), 1) << s;
+        }
+        application->SetWindowState(excel::kWindowMinimized);
+        EXPECT_EQ(application->WindowState(), excel::kWindowMinimized);
+        application->SetWindowState(excel::kWindowNormal);
+        EXPECT_EQ(application->WindowState(), excel::kWindowNormal);
         // Through the window system, which drops the clicks on a window blocked by a modal one.
         const QPoint close = window->Close->mapTo(window, window->Close->rect().center());
         QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {}, close);
         EXPECT_TRUE(application->Workbooks().empty());
         menu.accept();
     });
+    application.reset();  // nothing is left running once the last holder lets go
+    EXPECT_EQ(excel::GetObject("excel.application"), nullptr);
     QApplication::processEvents();
-}
-
-// Answers the question that the window asks with button, from the event loop.
-void Answer(QMessageBox::StandardButton button) {
-    QTimer::singleShot(50, [button] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
-            box->button(button)->click();
-        }
-    });
 }
 
 TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     test::TempProject project("A3A");
     CopyFileAtomically(project.File("param.tmp"), project.File("param.$$$"));
     auto application = StartApplication();
-    SpreadsheetWorkbook* book = OpenAsPrinting(*application, project, "MORNET2.xls",
-                                               {{29, 1, "NetParam"},
-                                                {29, 2, GetAppPath()},
-                                                {30, 2, project.Path()},
-                                                {31, 2, "A3A"},
-                                                {32, 2, "2"}});
-    ASSERT_NE(book, nullptr);
-    auto* window = dynamic_cast<NetworkWindow*>(book->Window());
+    SpreadsheetWorkbook* book = OpenAsPrinting(
+        *application, project, "MORNET2.xls",
+        {{29, 1, "NetParam"}, {29, 2, GetAppPath()}, {30, 2, ""}, {31, 2, "A3A"}, {32, 2, "2"}});
+    auto* window = dynamic_cast<NetworkWindow*>(book ? book->Window() : nullptr);
     ASSERT_NE(window, nullptr);
+    // Without a project directory there is nothing to show.
+    EXPECT_TRUE(window->CellOf(1030)->text().isEmpty());
+    EXPECT_TRUE(window->Status->text().contains("B30"));
+    book->FindSheet("TEMP")->SetCell(30, 2, project.Path());
+    application->Run("AUTO_OPEN");
     std::vector<uint8_t> file = project.Read("param.$$$");
     EXPECT_EQ(window->CellOf(1030)->text().toStdString(), ByteText(file[1030]));
     EXPECT_FALSE(window->CellOf(1071)->flags() & Qt::ItemIsEditable);
-    EXPECT_TRUE(window->CellOf(2560)->flags() & Qt::ItemIsEditable);
-    // Without a project directory there is nothing to show.
-    excel::Worksheet* temp = book->FindSheet("TEMP");
-    temp->SetCell(30, 2, "");
-    application->Run("auto_open");
-    EXPECT_TRUE(window->CellOf(1030)->text().isEmpty());
-    EXPECT_TRUE(window->Status->text().contains("B30"));
-    temp->SetCell(30, 2, project.Path());
-    application->Run("auto_open");
 
     window->CellOf(1030)->setText("5a");
     EXPECT_TRUE(window->Status->text().startsWith("1 changed byte"));
@@ -274,10 +161,8 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     EXPECT_TRUE(window->Status->text().contains("00 to FF"));
     EXPECT_EQ(window->Edits(), (std::map<int, uint8_t>{{1030, 0x5A}}));
     // The sheet holds the bytes too: its first row of the block starts at 1024.
-    excel::Worksheet* sheet = book->Worksheets()[0];
-    EXPECT_EQ(sheet->Name(), "MORNET(II) mode");
-    EXPECT_EQ(sheet->CellText(3, 1), "1024");
-    EXPECT_EQ(sheet->CellText(3, 1 + 1 + 6), "5A");
+    EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1), "1024");
+    EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1 + 1 + 6), "5A");
 
     // Meanwhile the component rewrote the file; its bytes stay.
     file[64] = 0x42;
@@ -289,12 +174,49 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
 
     // Closing with a change not saved asks; Save writes it, then the workbook closes.
     window->CellOf(2560)->setText("2");
-    Answer(QMessageBox::Save);
+    QTimer::singleShot(50, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            box->button(QMessageBox::Save)->click();
+        }
+    });
     window->Close->click();
     file[2560] = 2;
     EXPECT_EQ(project.Read("param.$$$"), file);
     EXPECT_TRUE(application->Workbooks().empty());
     QApplication::processEvents();
+}
+
+QWidget* ReportWindowShown() {
+    for (QWidget* w : QApplication::topLevelWidgets()) {
+        if (w->objectName() == "frmSpreadsheet" && w->isVisible()) return w;
+    }
+    return nullptr;
+}
+
+// The menu's item 6 asks, then opens the report beside the menu; the menu does not end while
+// it is open, and the hand-over file goes with the run.
+TEST(SpreadsheetEndToEnd, TheMenuWaitsForTheReportWindowThenSaves) {
+    test::TempProject project("A3 ");
+    int sheets = 0;
+    test::ModalDriver driver;
+    driver
+        .On("frmMenu",
+            [](QWidget* menu) { test::PressKey(test::Child(menu, "MenuItem(6)"), Qt::Key_Return); })
+        .Message(24, "Yes")
+        .On("frmMenu", [](QWidget* menu) { test::PressKey(menu, Qt::Key_End); })
+        .Message(15, "OK")  // not while the report is open
+        .On("frmMenu", [&sheets](QWidget* menu) {
+            QWidget* report = ReportWindowShown();
+            ASSERT_NE(report, nullptr);
+            sheets = test::ChildAs<QTabWidget>(report, "Sheets")->count();
+            test::ChildAs<QPushButton>(report, "Close")->click();
+            test::PressKey(menu, Qt::Key_End);
+        });
+    const test::RunOutcome run = test::RunParameterMode(project, driver);
+    EXPECT_EQ(run.result, 1) << run.error;
+    EXPECT_EQ(driver.messages, (std::vector<int>{24, 15}));
+    EXPECT_EQ(sheets, 5);  // one a dialog of the "A3 "
+    EXPECT_FALSE(project.Exists("param.$$p"));
 }
 
 }  // namespace
