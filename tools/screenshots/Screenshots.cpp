@@ -26,10 +26,10 @@
 #include "common/qt/DialogRegistry.h"
 #include "dialogs/frmMINI/MINIFields.h"
 #include "entry/RKParam.h"
+#include "headless/Headless.h"
 #include "menus/frmMenu.h"
 #include "platform/excel/Excel.h"
 #include "report/ParameterReport.h"
-#include "report/ReportTestSupport.h"
 #include "store/ParameterFiles.h"
 #include "support/core/TestSupport.h"
 
@@ -72,8 +72,21 @@ void OpenWorkbook(gantrix::excel::Application& application, const gantrix::test:
 int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
     using namespace gantrix;
     test::TempProject project(cpu);
-    const ParameterImage image =
-        test::EditedImage(project.ParamTmp(), ReportContext(cpu, project.Path()));
+    // Values off the defaults in every sheet of the report, typed as the dialogs take them.
+    const std::string m = "mini.module.1.";
+    const std::vector<headless::Assignment> edits = {
+        {"memory.sub1", "2"},       {"memory.comment", "8"},     {"latch.D.start", "100"},
+        {"latch.D.end", "199"},     {"interrupt.I3", "on"},      {"io.slot.0", "X16"},
+        {"io.slot.1", "Y32"},       {"io.slot.0.model", "AX41"}, {"assist.run_contact", "1F"},
+        {"mini.modules", "1"},      {m + "start_io", "1A0"},     {m + "model", "MINI"},
+        {m + "stations", "12"},     {m + "receive", "X100"},     {m + "send", "Y100"},
+        {m + "retries", "5"},       {m + "response", "CPU"},     {m + "data_clear", "Hold"},
+        {m + "detection", "M9016"}, {m + "error_no", "D9010"},   {m + "line_error", "OFF"}};
+    const headless::SetOutcome edited =
+        headless::Set(project.ParamTmp(), ReportContext(cpu, project.Path()), edits);
+    if (!edited.refusals.empty())
+        std::cerr << "some values do not apply to " << cpu << ": the report shows the rest\n";
+    const ParameterImage& image = edited.image;
     project.Write("param.$$p", {image.bytes().begin(), image.bytes().end()});
     project.Write("param.$$$", {image.bytes().begin(), image.bytes().end()});
     const auto application = excel::CreateObject("excel.application");
