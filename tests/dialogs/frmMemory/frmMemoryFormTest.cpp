@@ -46,9 +46,8 @@ TEST(frmMemory, EveryEditRecomputesTheTotalAtOnceAndMarksTheDialogChanged) {
     PressKey(m.Text2, Qt::Key_End);
     EXPECT_TRUE(f.Closed());
     ParameterImage expected = f.loaded;
-    for (const auto& [index, value] : {std::pair{64, 13 * 1024}, {68, 8 * 1024}, {78, 8 * 1024}}) {
+    for (const auto& [index, value] : {std::pair{64, 13 * 1024}, {68, 8 * 1024}, {78, 8 * 1024}})
         expected.SetParamWord(value, index);
-    }
     expected[76] = 3;
     expected[80] = 255;
     EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
@@ -115,14 +114,10 @@ TEST(frmMemory, ShownFieldsAndCaptionsPerCpuType) {
         Memory f(c.cpu);
         frmMemory& m = *f.form;
         std::string shown;
-        for (QWidget* w :
-             {m.Text1[0], m.Text1[1], m.Text1[2], m.Text1[3], m.Text1[4], m.Text1[5]}) {
+        for (QWidget* w : std::initializer_list<QWidget*>{
+                 m.Text1[0], m.Text1[1], m.Text1[2], m.Text1[3], m.Text1[4], m.Text1[5], m.Text2,
+                 m.Text3, m.Text4, m.SanpFlag, m.SlatchDataFlag, m.SlatchFileFlag})
             shown += w->isVisible() ? '1' : '0';
-        }
-        for (QWidget* w : std::initializer_list<QWidget*>{m.Text2, m.Text3, m.Text4, m.SanpFlag,
-                                                          m.SlatchDataFlag, m.SlatchFileFlag}) {
-            shown += w->isVisible() ? '1' : '0';
-        }
         EXPECT_EQ(shown, c.shown) << c.cpu;
         EXPECT_EQ(m.SequenceHeader->isVisible() ? m.SequenceHeader->text() : "", c.sequence);
         EXPECT_EQ(m.ProgramRow[0]->isVisible() ? m.ProgramRow[0]->text() : "", c.main) << c.cpu;
