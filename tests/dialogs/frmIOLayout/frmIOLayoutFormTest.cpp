@@ -198,14 +198,12 @@ TEST(frmTypeNameSet, OnlyAModuleChangedAmongTheNamesMakesCancelAsk) {
     g->Cancel->click();  // a typed name alone is no edit of the assignment
     EXPECT_TRUE(g.Closed());
     EXPECT_EQ(g.state.image, g.loaded);
-
     IoLayout k("A3 ");
     EditNames(k, [](QWidget* names) { TypeInto(Child(names, "Text1(1)"), "6"); });
     k.messages.Then(MessageButton::No);
     k->Cancel->click();
     EXPECT_FALSE(k.Closed());
     EXPECT_EQ(k.messages.Numbers(), std::vector<int>{1});
-
     // The names belong to the first page only: there the button stays and does nothing.
     PressKey(k->Text1[0], Qt::Key_PageDown);
     EXPECT_TRUE(k->Type->isEnabled());

@@ -146,7 +146,6 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
     base.SetParamWord(65535, 134);
     base.SetParamWord(65535, 136);
     base.SetParamWord(100, 2432);
-
     using Words = std::map<int, int>;
     const Words common = {{64, 5120}, {66, 3072}, {70, 5120}, {132, 3072}};
     const Words latchTypes = {{72, 4096}, {68, 3072}, {134, 0}, {136, 0}};
@@ -178,7 +177,6 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
     WriteMemory(Make("6,0,0,,,,0,0,4", "DF"), a2c, Context("A2C"));
     EXPECT_EQ(a2c[76], 3);
     EXPECT_EQ(a2c.GetParamWord(78), 4096);
-
     // A microcomputer word beyond 65535 is the overflow error, and nothing is written.
     ParameterImage a3u = DefaultImage("A3U");
     a3u.SetParamWord(30000, 2432);

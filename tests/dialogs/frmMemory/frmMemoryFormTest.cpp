@@ -57,7 +57,6 @@ TEST(frmMemory, TabAndEnterWalkTheShownFieldsCancelAndClearAsk) {
     Memory clean("A3 ");
     clean->Cancel->click();  // nothing edited: closes without a question
     EXPECT_TRUE(clean.Closed() && clean.messages.shown.empty());
-
     Memory f("A3 ");
     QStringList tabs;
     for (int i = 0; i < 13; ++i) {
@@ -140,7 +139,6 @@ TEST(frmMemory, ReservedAreaOfTheWorkingFileAndTheA0jMicroMarker) {
     Retype(f->Text1[0], "29");
     f->OK->click();
     EXPECT_EQ(f.messages.Numbers(), std::vector<int>{3});
-
     EXPECT_EQ(Memory("A0J")->MicroState->text(), "None");
     Memory exist("A0J", [](Memory& f) {
         f.project.Write("Mmicro.bin", {0x12, 0x34});
@@ -165,7 +163,6 @@ TEST(frmMemory, FailuresAreShownOneBoxPerMessageWithTheirFieldsYellow) {
     m.OK->click();
     EXPECT_FALSE(Yellow(m.Text2));
     EXPECT_EQ(f.state.image, f.loaded);
-
     // A box's length limits typing only: a stored value too long for it loads whole and the
     // check refuses it; it may be shortened but not grow.
     Memory g("A3 ", [](Memory& f) { f.state.image.SetParamWord(65535, 68); });

@@ -30,7 +30,6 @@ void Edit(TimerCounterFields& f, const std::string& edits) {
     }
 }
 
-// The fields of the default image of cpu with edits applied.
 TimerCounterFields Edited(const std::string& cpu, const std::string& edits) {
     TimerCounterFields f = ReadTimerCounter(test::DefaultImage(cpu), Ctx(cpu));
     Edit(f, edits);
@@ -108,7 +107,6 @@ TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
     const std::string partition = "Text1(2)=160 Text1(3)=240 Text3=8 ";
     const std::string extended = partition + "Text1(0)=1024 Text1(4)=256 Text1(5)=512 Combo1=D Text1(7)=100 "
                                              "Text2(0)=320 Combo2=W Text2(1)=1F";
-    // Every word that changes, with its value.
     const struct { const char* cpu; std::string edits; std::vector<std::pair<int, int>> words; } cases[] = {
         {"A3 ", partition, {{194, 160}, {196, 240}, {198, 8}}},
         {"A2C", partition, {{194, 160}, {196, 240}}},  // Text3 is the small group's only
@@ -203,7 +201,6 @@ TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
         {"A2U", "", "48=256-300 52=400-500 56=600-700", "48=E-E 52=E-E 56=600-700"},
         {"A3A", "Text1(0)=1024 Combo1=D Text1(7)=0 Text1(4)=256 Text1(5)=512 Text1(6)=768",
          "48=256-600 52=700-1100 56=800-2047", "48=256-511 52=700-767 56=800-1023"},
-        // The counter rows follow the counter points.
         {"A3U", "Text2(0)=128", "36=0-255 60=256-1023", "36=0-127 60=E-E"},
         {"A3A", "Text2(0)=512 Combo2=D Text2(1)=0", "36=100-255 60=300-1023", "36=100-255 60=300-511"},
         {"A2A", "Text2(0)=0", "36=0-99", "36=E-E"},

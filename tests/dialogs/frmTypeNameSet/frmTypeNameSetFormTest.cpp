@@ -17,7 +17,6 @@ struct Names {
     ModuleState state = test::StateFor("A3 ");
     IOLayoutFields assignment;
     std::unique_ptr<frmTypeNameSet> form;
-
     explicit Names(std::vector<const char*> codes, std::vector<const char*> names = {}) {
         for (size_t i = 0; i < codes.size(); ++i) assignment.codes[i] = codes[i];
         for (size_t i = 0; i < names.size(); ++i) assignment.names[i] = names[i];
@@ -45,7 +44,6 @@ TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
     EXPECT_EQ(f.Name(0)->currentText(), "AYBC10 A");
     TypeKeys(f.Name(2), "AX10");  // no module, no name
     EXPECT_EQ(f.Name(2)->currentText(), "");
-
     TypeKeys(f.Code(0), "a");  // X16 to Y16
     EXPECT_EQ(f.Code(0)->text() + f.Name(0)->currentText(), "Y16");
     EXPECT_EQ(f.Name(0)->itemText(12), "AY80");
@@ -80,7 +78,6 @@ TEST(frmTypeNameSet, PagesOfEightStopAtBothEndsAndKeepTheirEdits) {
     PressKey(f.Code(0), Qt::Key_Escape);  // closes as Close does
     EXPECT_EQ(f.assignment.codes[8], "X16");
     EXPECT_EQ(f.assignment.names[8], "AX40");
-
     Names g({"X16"});  // paging and closing alone are no edit
     PressKey(g.Code(0), Qt::Key_PageDown);
     g.form->Close->click();
