@@ -32,15 +32,6 @@ void EditNames(IoLayout& f, const std::function<void(QWidget*)>& edit) {
     driver.Run([&] { f->Type->click(); });
 }
 
-// Packs names into the records of slots 0..63 of image, blank records after them.
-void ExpectNames(ParameterImage& image, const std::vector<const char*>& names) {
-    for (int slot = 0; slot < 64; ++slot) {
-        const ModelNameRecord record =
-            PackModelName(slot < static_cast<int>(names.size()) ? names[slot] : "");
-        for (int b = 0; b < 6; ++b) image[640 + 6 * slot + b] = record[b];
-    }
-}
-
 QStringList Codes(const IoLayout& f, int first, int count) {
     QStringList codes;
     for (int i = first; i < first + count; ++i) codes << f->Text1[i]->text();
@@ -192,7 +183,10 @@ TEST(frmIOLayout, SlotsAndModelNamesFromTheMenuReachTheProjectFile) {
     expected[384] = 0x21;
     expected[386] = 0x42;
     expected[384 + 64] = 0x44;
-    ExpectNames(expected, {"AX10"});
+    for (int slot = 0; slot < 64; ++slot) {  // all 64 records, blank after slot 0
+        const ModelNameRecord record = PackModelName(slot ? "" : "AX10");
+        for (int b = 0; b < 6; ++b) expected[640 + 6 * slot + b] = record[b];
+    }
     expected[1071] = 1;
     SetCheckSum(expected, "A3 ", true);  // the flag changed the network block: its sum too
     EXPECT_EQ(test::DifferingBytes(expected, project.ParamTmp()), std::vector<int>{});
@@ -204,14 +198,12 @@ TEST(frmTypeNameSet, OnlyAModuleChangedAmongTheNamesMakesCancelAsk) {
     g->Cancel->click();  // a typed name alone is no edit of the assignment
     EXPECT_TRUE(g.Closed());
     EXPECT_EQ(g.state.image, g.loaded);
-
     IoLayout k("A3 ");
     EditNames(k, [](QWidget* names) { TypeInto(Child(names, "Text1(1)"), "6"); });
     k.messages.Then(MessageButton::No);
     k->Cancel->click();
     EXPECT_FALSE(k.Closed());
     EXPECT_EQ(k.messages.Numbers(), std::vector<int>{1});
-
     // The names belong to the first page only: there the button stays and does nothing.
     PressKey(k->Text1[0], Qt::Key_PageDown);
     EXPECT_TRUE(k->Type->isEnabled());

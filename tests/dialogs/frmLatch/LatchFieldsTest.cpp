@@ -34,7 +34,6 @@ ParameterImage DefaultWith(const std::string& cpu, std::vector<std::pair<int, in
 }
 
 // clang-format off
-// A new project's rows: the device sizes of its CPU type and its default timer partition.
 TEST(LatchFields, LimitsOfEachTypeOnItsDefaultImage) {
     const Limits base = {{0, 2047}, {0, 1023}, {0, 199}, {200, 255}, kNone, {0, 255}, {0, 1023}, {0, 1023}};
     const Limits extA = {{0, 8191}, {0, 4095}, {0, 199}, {200, 255}, kNone, {0, 255}, {0, 6143}, {0, 4095}, kNone, kNone, kNone, kNone};
@@ -114,7 +113,6 @@ TEST(LatchFields, WriteStoresEveryBoxOfThePresentRowsAndNothingElse) {
     for (int box = 0; box < 16; ++box) expected.SetParamWord(words[box], 16 + 2 * box);
     // Rows 8..11 and the step relay word 14 belong to the 12-row types only.
     EXPECT_EQ(test::DifferingBytes(image, expected), std::vector<int>{});
-
     ParameterImage ext = DefaultWith("A3U", {{14, 65535}});
     WriteLatch(With({{0, "0"}, {1, "8191"}, {22, "256"}, {23, "1023"}}), ext, ContextFor("A3U"));
     EXPECT_EQ(test::DifferingBytes(ext, DefaultWith("A3U", {{16, 0}, {18, 8191}, {60, 256}, {62, 1023}})), std::vector<int>{});

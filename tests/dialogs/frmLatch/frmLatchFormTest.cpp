@@ -53,9 +53,8 @@ TEST(frmLatch, FailuresArePaintedYellowWhileTheDialogStaysOpen) {
     PressKey(l.Text1[8], Qt::Key_End);
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{7, 8}));
     EXPECT_EQ(f.state.image, f.loaded);
-    for (int i = 0; i < kLatchBoxes; ++i) {
+    for (int i = 0; i < kLatchBoxes; ++i)
         EXPECT_EQ(Yellow(l.Text1[i]), i == 1 || i == 13 || i == 8) << i;
-    }
     EXPECT_EQ(test::Focused(), "Text1(8)");  // the check does not move the focus
 }
 
@@ -73,9 +72,8 @@ TEST(frmLatch, TheSecondBlockOfATwelveRowTypeAndClear) {
     EXPECT_EQ(test::Focused(), "Text1(16)");
     f.messages.Then(MessageButton::Yes);
     l.Clear->click();
-    for (int i = 0; i < kLatchBoxes; ++i) {
+    for (int i = 0; i < kLatchBoxes; ++i)
         EXPECT_EQ(l.Text1[i]->text(), i == 0 ? "1000" : i == 1 ? "2047" : "") << i;
-    }
     EXPECT_EQ(l.VScroll1[16]->Value(), 0);  // spin buttons follow their boxes
     PressKey(l.Text1[0], Qt::Key_End);
     ParameterImage expected = f.loaded;

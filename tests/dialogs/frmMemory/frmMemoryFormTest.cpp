@@ -46,9 +46,8 @@ TEST(frmMemory, EveryEditRecomputesTheTotalAtOnceAndMarksTheDialogChanged) {
     PressKey(m.Text2, Qt::Key_End);
     EXPECT_TRUE(f.Closed());
     ParameterImage expected = f.loaded;
-    for (const auto& [index, value] : {std::pair{64, 13 * 1024}, {68, 8 * 1024}, {78, 8 * 1024}}) {
+    for (const auto& [index, value] : {std::pair{64, 13 * 1024}, {68, 8 * 1024}, {78, 8 * 1024}})
         expected.SetParamWord(value, index);
-    }
     expected[76] = 3;
     expected[80] = 255;
     EXPECT_EQ(test::DifferingBytes(f.state.image, expected), std::vector<int>{});
@@ -58,7 +57,6 @@ TEST(frmMemory, TabAndEnterWalkTheShownFieldsCancelAndClearAsk) {
     Memory clean("A3 ");
     clean->Cancel->click();  // nothing edited: closes without a question
     EXPECT_TRUE(clean.Closed() && clean.messages.shown.empty());
-
     Memory f("A3 ");
     QStringList tabs;
     for (int i = 0; i < 13; ++i) {
@@ -115,14 +113,10 @@ TEST(frmMemory, ShownFieldsAndCaptionsPerCpuType) {
         Memory f(c.cpu);
         frmMemory& m = *f.form;
         std::string shown;
-        for (QWidget* w :
-             {m.Text1[0], m.Text1[1], m.Text1[2], m.Text1[3], m.Text1[4], m.Text1[5]}) {
+        for (QWidget* w : std::initializer_list<QWidget*>{
+                 m.Text1[0], m.Text1[1], m.Text1[2], m.Text1[3], m.Text1[4], m.Text1[5], m.Text2,
+                 m.Text3, m.Text4, m.SanpFlag, m.SlatchDataFlag, m.SlatchFileFlag})
             shown += w->isVisible() ? '1' : '0';
-        }
-        for (QWidget* w : std::initializer_list<QWidget*>{m.Text2, m.Text3, m.Text4, m.SanpFlag,
-                                                          m.SlatchDataFlag, m.SlatchFileFlag}) {
-            shown += w->isVisible() ? '1' : '0';
-        }
         EXPECT_EQ(shown, c.shown) << c.cpu;
         EXPECT_EQ(m.SequenceHeader->isVisible() ? m.SequenceHeader->text() : "", c.sequence);
         EXPECT_EQ(m.ProgramRow[0]->isVisible() ? m.ProgramRow[0]->text() : "", c.main) << c.cpu;
@@ -145,7 +139,6 @@ TEST(frmMemory, ReservedAreaOfTheWorkingFileAndTheA0jMicroMarker) {
     Retype(f->Text1[0], "29");
     f->OK->click();
     EXPECT_EQ(f.messages.Numbers(), std::vector<int>{3});
-
     EXPECT_EQ(Memory("A0J")->MicroState->text(), "None");
     Memory exist("A0J", [](Memory& f) {
         f.project.Write("Mmicro.bin", {0x12, 0x34});
@@ -170,7 +163,6 @@ TEST(frmMemory, FailuresAreShownOneBoxPerMessageWithTheirFieldsYellow) {
     m.OK->click();
     EXPECT_FALSE(Yellow(m.Text2));
     EXPECT_EQ(f.state.image, f.loaded);
-
     // A box's length limits typing only: a stored value too long for it loads whole and the
     // check refuses it; it may be shortened but not grow.
     Memory g("A3 ", [](Memory& f) { f.state.image.SetParamWord(65535, 68); });

@@ -55,7 +55,6 @@ TEST(frmTimerCounter, PointCountEmptiesFieldsItCannotHoldOnFocusChanges) {
     EXPECT_EQ(t.Text1[4]->text(), "");
     EXPECT_EQ(t.VScroll1[4]->Value(), t.VScroll1[4]->Max() + 1);  // reset with its box
     EXPECT_EQ(t.Text1[2]->text(), "200");
-
     // Without points nothing of the partition or the device stays.
     t.Combo1->setFocus();
     QTest::keyClicks(t.Combo1, "r");
@@ -124,7 +123,6 @@ TEST(frmTimerCounter, ErrorsShownInOrderWithTheirFieldsYellowAndClear) {
     t.OK->click();
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{7, 11, 7}));
     EXPECT_FALSE(Yellow(t.Text1[0]));
-
     f.messages.Then(MessageButton::Yes);
     t.Clear->click();
     EXPECT_EQ(t.Text1[7]->text() + t.Combo1->currentText(), "");

@@ -10,18 +10,13 @@ namespace gantrix {
 namespace {
 
 using test::PressKey;
-
-void TypeInto(QWidget* control, const QString& keys) {  // each key to the focus of the moment
-    control->setFocus();
-    for (const QChar key : keys) QTest::keyClicks(control->window()->focusWidget(), QString(key));
-}
+using test::TypeKeys;
 
 // The model-name dialog on its own over slots 0..7.
 struct Names {
     ModuleState state = test::StateFor("A3 ");
     IOLayoutFields assignment;
     std::unique_ptr<frmTypeNameSet> form;
-
     explicit Names(std::vector<const char*> codes, std::vector<const char*> names = {}) {
         for (size_t i = 0; i < codes.size(); ++i) assignment.codes[i] = codes[i];
         for (size_t i = 0; i < names.size(); ++i) assignment.names[i] = names[i];
@@ -40,21 +35,20 @@ TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
     EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
     EXPECT_EQ(test::Focused(), "Text1(0)");   // the page opens on its first row
     EXPECT_EQ(f.Name(0)->currentText(), "");  // offered, not chosen
-    TypeInto(f.Name(0), "ax6/0");
+    TypeKeys(f.Name(0), "ax6/0");
     EXPECT_EQ(f.Name(0)->currentText(), "AX60");
     f.Name(0)->lineEdit()->setText("ay/10 a");  // text that arrives without keys (pasted)
     EXPECT_EQ(f.Name(0)->currentText(), "AY10 A");
     f.Name(0)->lineEdit()->setCursorPosition(2);
     QTest::keyClicks(f.Name(0)->lineEdit(), "bc");  // the caret stays where it was typed
     EXPECT_EQ(f.Name(0)->currentText(), "AYBC10 A");
-    TypeInto(f.Name(2), "AX10");  // no module, no name
+    TypeKeys(f.Name(2), "AX10");  // no module, no name
     EXPECT_EQ(f.Name(2)->currentText(), "");
-
-    TypeInto(f.Code(0), "a");  // X16 to Y16
+    TypeKeys(f.Code(0), "a");  // X16 to Y16
     EXPECT_EQ(f.Code(0)->text() + f.Name(0)->currentText(), "Y16");
     EXPECT_EQ(f.Name(0)->itemText(12), "AY80");
     EXPECT_EQ(test::Focused(), "Text1(1)");
-    TypeInto(f.Code(1), "7");  // the same code again keeps the name
+    TypeKeys(f.Code(1), "7");  // the same code again keeps the name
     EXPECT_EQ(f.Name(1)->currentText(), "AX11");
     f.Name(0)->setCurrentIndex(5);
     PressKey(f.Code(2), Qt::Key_End);
@@ -69,8 +63,8 @@ TEST(frmTypeNameSet, PagesOfEightStopAtBothEndsAndKeepTheirEdits) {
     f.assignment.codes[63] = "F64";
     PressKey(f.Code(0), Qt::Key_PageDown);
     EXPECT_EQ(f.form->Label2[0]->text(), "8");
-    TypeInto(f.Code(0), "6");
-    TypeInto(f.Name(0), "ax40");
+    TypeKeys(f.Code(0), "6");
+    TypeKeys(f.Name(0), "ax40");
     for (int i = 0; i < 7; ++i) f.form->ChangePage[1]->click();
     EXPECT_EQ(f.form->Label2[7]->text(), "63");
     EXPECT_FALSE(f.form->ChangePage[1]->isEnabled());
@@ -84,7 +78,6 @@ TEST(frmTypeNameSet, PagesOfEightStopAtBothEndsAndKeepTheirEdits) {
     PressKey(f.Code(0), Qt::Key_Escape);  // closes as Close does
     EXPECT_EQ(f.assignment.codes[8], "X16");
     EXPECT_EQ(f.assignment.names[8], "AX40");
-
     Names g({"X16"});  // paging and closing alone are no edit
     PressKey(g.Code(0), Qt::Key_PageDown);
     g.form->Close->click();
@@ -105,7 +98,7 @@ TEST(frmTypeNameSet, EnterAndArrowsMoveThroughTheGrid) {
         PressKey(from, key);
         EXPECT_EQ(test::Focused(), to) << from->objectName().toStdString() << " " << key;
     }
-    TypeInto(f.Name(5), "ax");  // inside a name Left moves the caret first
+    TypeKeys(f.Name(5), "ax");  // inside a name Left moves the caret first
     PressKey(f.Name(5), Qt::Key_Left);
     EXPECT_EQ(f.Name(5)->lineEdit()->cursorPosition(), 1);
     EXPECT_EQ(test::Focused(), "Combo1(5)");
