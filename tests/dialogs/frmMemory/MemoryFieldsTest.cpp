@@ -10,7 +10,6 @@
 
 namespace gantrix {
 namespace {
-// clang-format off
 
 using test::DefaultImage;
 using test::DifferingBytes;
@@ -38,6 +37,7 @@ MemoryFields Make(const std::string& texts, const std::string& boxes = "") {
     return f;
 }
 
+// clang-format off
 TEST(MemoryFields, ChecksEveryShownFieldAgainstItsCpuTypesLimits) {
     // Controls: 0..5 Text1(0..5), 6 Text2 (comment), 7 Text3, 8 Text4 (file register).
     // subEditing 1..3: that sub program's editing window is open; reserved: word 138.
@@ -75,7 +75,9 @@ TEST(MemoryFields, ChecksEveryShownFieldAgainstItsCpuTypesLimits) {
             << c.cpu << " " << c.fields << " " << c.subEditing;
     }
 }
+// clang-format on
 
+// clang-format off
 TEST(MemoryFields, LoadShowsTheStoredCapacitiesAndZeroesErasedWords) {
     ParameterImage image;
     for (const auto& [index, value] : {std::pair{64, 5 * 1024}, {66, 3 * 1024}, {68, 4 * 1024},
@@ -110,7 +112,9 @@ TEST(MemoryFields, LoadShowsTheStoredCapacitiesAndZeroesErasedWords) {
         EXPECT_EQ(ReadMemory(image, Context("A1S")), Make("5,12,3,,,,10,6,4", std::string("S") + boxes)) << value;
     }
 }
+// clang-format on
 
+// clang-format off
 TEST(MemoryFields, TotalMemory) {
     const struct { const char* cpu; const char* fields; const char* boxes; int reservedK; int word72; const char* total; } cases[] = {
         {"A3 ", "6,0,0,0,,,0,0,0", "", 0, 0, "16"},     // parameter area 4 + 2 x main
@@ -137,6 +141,7 @@ TEST(MemoryFields, TotalMemory) {
     }
     EXPECT_EQ(SetPointNumber(Make(",,,,,,10,1,"), 1), "(0Points)");
 }
+// clang-format on
 
 TEST(MemoryFields, BytesWrittenPerCpuType) {
     const MemoryFields f = Make("5,4,3,2,7,1,10,6,3", "SF");
@@ -146,6 +151,7 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
     base.SetParamWord(65535, 134);
     base.SetParamWord(65535, 136);
     base.SetParamWord(100, 2432);
+
     using Words = std::map<int, int>;
     const Words common = {{64, 5120}, {66, 3072}, {70, 5120}, {132, 3072}};
     const Words latchTypes = {{72, 4096}, {68, 3072}, {134, 0}, {136, 0}};
@@ -154,7 +160,11 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
     Words extendedFill = {{74, 0}, {75, 0}, {76, 0}, {80, 0}, {81, 255}};
     for (int i = 82; i <= 131; ++i) extendedFill[i] = i <= 87 ? 0 : 255;
     const Words u = {{72, 4096 + 200}, {2434, 4096}, {68, 3072}};
-    const struct { const char* cpu; std::vector<Words> words; Words bytes; } cases[] = {
+    const struct {
+        const char* cpu;
+        std::vector<Words> words;
+        Words bytes;
+    } cases[] = {
         {"A0J", {common}, {}},
         {"A1 ", {common, {{72, 4096}, {134, 0}, {136, 0}}}, {}},
         {"A0H", {common, latchTypes}, traceLatch},
@@ -168,7 +178,9 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
         ParameterImage image = base;
         WriteMemory(f, image, Context(c.cpu));
         ParameterImage expected = base;
-        for (const Words& words : c.words) for (const auto& [index, value] : words) expected.SetParamWord(value, index);
+        for (const Words& words : c.words) {
+            for (const auto& [index, value] : words) expected.SetParamWord(value, index);
+        }
         for (const auto& [index, value] : c.bytes) expected[index] = static_cast<uint8_t>(value);
         EXPECT_EQ(DifferingBytes(image, expected), std::vector<int>{}) << c.cpu;
     }
@@ -177,6 +189,7 @@ TEST(MemoryFields, BytesWrittenPerCpuType) {
     WriteMemory(Make("6,0,0,,,,0,0,4", "DF"), a2c, Context("A2C"));
     EXPECT_EQ(a2c[76], 3);
     EXPECT_EQ(a2c.GetParamWord(78), 4096);
+
     // A microcomputer word beyond 65535 is the overflow error, and nothing is written.
     ParameterImage a3u = DefaultImage("A3U");
     a3u.SetParamWord(30000, 2432);
@@ -194,14 +207,14 @@ TEST(MemoryFields, DefaultsAreTheDefaultImageAndTouchOnlyShownFields) {
         EXPECT_EQ(DefaultsMemory(loaded, Context(cpu)), loaded) << cpu;
         const MemoryFields cleared = DefaultsMemory(nines, Context(cpu));
         const MemoryVisibility shown = VisibleMemoryControls(cpu);
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; i < 6; ++i) {
             EXPECT_EQ(cleared.Text1[i] != "9", shown.field[i]) << cpu << " Text1 " << i;
+        }
         EXPECT_EQ(cleared.Text4 != "9", shown.field[kFileRegister]) << cpu;
         EXPECT_EQ(!cleared.SanpFlag && !cleared.SlatchFileFlag, shown.traceAndLatch) << cpu;
     }
     EXPECT_EQ(DefaultsMemory(nines, Context("A9 ")), nines);
 }
 
-// clang-format on
 }  // namespace
 }  // namespace gantrix

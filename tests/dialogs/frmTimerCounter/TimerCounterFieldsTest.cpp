@@ -11,7 +11,6 @@
 
 namespace gantrix {
 namespace {
-// clang-format off
 
 DialogContext Ctx(const std::string& cpu) {
     return ContextOf(test::StateFor(cpu));
@@ -30,6 +29,7 @@ void Edit(TimerCounterFields& f, const std::string& edits) {
     }
 }
 
+// The fields of the default image of cpu with edits applied.
 TimerCounterFields Edited(const std::string& cpu, const std::string& edits) {
     TimerCounterFields f = ReadTimerCounter(test::DefaultImage(cpu), Ctx(cpu));
     Edit(f, edits);
@@ -42,6 +42,7 @@ ParameterImage Erased() {
     return image;
 }
 
+// clang-format off
 TEST(TimerCounterDevices, StoredAsCodesWithTheBasesOfTheirGroup) {
     const struct { const char* cpu; int code; const char* shown; } cases[] = {
         {"A2U", 13312, "D 0"},    {"A3A", 13312, "D 5120"}, {"A3A", 4096, "W 0"},
@@ -61,8 +62,13 @@ TEST(TimerCounterDevices, StoredAsCodesWithTheBasesOfTheirGroup) {
         WriteTimerCounter(f, image, Ctx(c.cpu));
         EXPECT_EQ(image.GetParamWord(word), c.shown == std::string(" ") ? 65535 : c.code);
     }
+    ParameterImage image = test::DefaultImage("A3U");
+    WriteTimerCounter(Edited("A3U", "Combo1=W Text1(7)=1f"), image, Ctx("A3U"));
+    EXPECT_EQ(image.GetParamWord(2306), 5120 + 31);
 }
+// clang-format on
 
+// clang-format off
 TEST(TimerCounterRead, ShowsTheGroupsFieldsAndErasedWordsEmpty) {
     ParameterImage image = Erased();
     for (const auto& [index, value] : {std::pair{192, 0}, {194, 160}, {196, 240}, {198, 8}, {200, 256},
@@ -85,6 +91,7 @@ TEST(TimerCounterRead, ShowsTheGroupsFieldsAndErasedWordsEmpty) {
         EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[field], shown) << points;
     }
 }
+// clang-format on
 
 TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
     TimerCounterFields expected;
@@ -103,10 +110,12 @@ TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
     }
 }
 
+// clang-format off
 TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
     const std::string partition = "Text1(2)=160 Text1(3)=240 Text3=8 ";
     const std::string extended = partition + "Text1(0)=1024 Text1(4)=256 Text1(5)=512 Combo1=D Text1(7)=100 "
                                              "Text2(0)=320 Combo2=W Text2(1)=1F";
+    // Every word that changes, with its value.
     const struct { const char* cpu; std::string edits; std::vector<std::pair<int, int>> words; } cases[] = {
         {"A3 ", partition, {{194, 160}, {196, 240}, {198, 8}}},
         {"A2C", partition, {{194, 160}, {196, 240}}},  // Text3 is the small group's only
@@ -127,7 +136,9 @@ TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
         EXPECT_EQ(test::DifferingBytes(expected, after), std::vector<int>{});
     }
 }
+// clang-format on
 
+// clang-format off
 TEST(TimerCounterDefaults, ClearValuesPerGroup) {
     TimerCounterFields filled;
     Edit(filled, "Text1(0)=512 Text1(1)=8 Text1(2)=16 Text1(3)=24 Text1(4)=256 Text1(5)=272 Text1(6)=288 "
@@ -171,6 +182,7 @@ TEST(TimerCounterValidate, EachRuleWithItsMessageAndControl) {
         EXPECT_EQ(test::RecordedErrors(ValidateTimerCounter(Edited(c.cpu, c.edits), Ctx(c.cpu))), c.recorded);
     }
 }
+// clang-format on
 
 // Latch pairs written "24=0-199 28=E-E": pair index, first and last word (E erased).
 std::vector<std::pair<int, std::pair<int, int>>> Pairs(const std::string& text) {
@@ -186,6 +198,7 @@ std::vector<std::pair<int, std::pair<int, int>>> Pairs(const std::string& text) 
     return pairs;
 }
 
+// clang-format off
 TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
     const std::string partition = "Text1(2)=160 Text1(3)=240";
     const struct { const char* cpu; std::string edits, before, after; } cases[] = {
@@ -201,6 +214,7 @@ TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
         {"A2U", "", "48=256-300 52=400-500 56=600-700", "48=E-E 52=E-E 56=600-700"},
         {"A3A", "Text1(0)=1024 Combo1=D Text1(7)=0 Text1(4)=256 Text1(5)=512 Text1(6)=768",
          "48=256-600 52=700-1100 56=800-2047", "48=256-511 52=700-767 56=800-1023"},
+        // The counter rows follow the counter points.
         {"A3U", "Text2(0)=128", "36=0-255 60=256-1023", "36=0-127 60=E-E"},
         {"A3A", "Text2(0)=512 Combo2=D Text2(1)=0", "36=100-255 60=300-1023", "36=100-255 60=300-511"},
         {"A2A", "Text2(0)=0", "36=0-99", "36=E-E"},
@@ -223,7 +237,7 @@ TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
         }
     }
 }
-
 // clang-format on
+
 }  // namespace
 }  // namespace gantrix
