@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
@@ -10,7 +12,6 @@ namespace {
 using Row = std::array<std::string, kMiniFieldsPerRow>;
 using Bytes = std::vector<uint8_t>;
 
-// A module that passes every check.
 const Row kGoodRow = {"100", "MINI", "12", "X0", "Y0", "5", "CPU", "Clear", "M0", "D0", "Hold"};
 
 DialogContext ContextFor(const std::string& cpu) {
@@ -24,14 +25,6 @@ MINIFields Modules(const std::vector<Row>& rows) {
         std::copy(rows[m].begin(), rows[m].end(), f.Text2.begin() + kMiniFieldsPerRow * m);
     }
     return f;
-}
-
-std::vector<int> Messages(const ErrorTables& errors) {
-    std::vector<int> numbers;
-    for (int n = 0; n <= kMaxMessageNo; ++n) {
-        if (errors.HasMessage(n)) numbers.push_back(n);
-    }
-    return numbers;
 }
 
 Bytes BytesAt(const ParameterImage& image, int first, int count) {
@@ -64,9 +57,8 @@ TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
         EXPECT_EQ(DeviceTextOf(group, code, allM), "") << code;  // in no range
     }
     // clang-format off
-    // The letter of a relay from words 14, 16 and 18: latch relays L1000-L2047 and no step
-    // relays, then S2048-S3071 (an erased word 14 is 2048); without latch relays M up to word
-    // 18, then S up to word 14 - 1, and S from 0 when word 18 is erased too.
+    // A relay's letter from words 14, 16, 18: L from word 16 to 18 and S from word 14 (erased
+    // 2048); without L, M up to word 18 then S up to word 14 - 1, S from 0 with word 18 erased.
     const struct { int w14, w16, w18; long n; char letter; } relays[] = {
         {2048, 1000, 2047, 992, 'M'}, {2048, 1000, 2047, 1008, 'L'}, {2048, 1000, 2032, 2032, 'L'},
         {2048, 1000, 2047, 2048, 'M'}, {3072, 1000, 2047, 2048, 'S'}, {3072, 1000, 2047, 3072, 'M'},
@@ -114,15 +106,16 @@ TEST(MiniChecks, EachCellRule) {
         SCOPED_TRACE(::testing::Message() << c.cpu << " field " << c.field << " " << c.text);
         MINIFields f = Modules({c.field < 0 ? Row{} : kGoodRow});
         (c.field < 0 ? f.Text1 : f.Text2[c.field]) = c.text;
-        const ErrorTables errors = ValidateMINI(f, ContextFor(c.cpu), c.rPoints);
-        EXPECT_EQ(Messages(errors), c.message ? std::vector<int>{c.message} : std::vector<int>{});
         const int control = c.field < 0 ? MiniText1No() : MiniText2No(c.field);
-        EXPECT_TRUE(!c.message || errors.ControlHasMessage(control, c.message));
+        const ErrorTables errors = ValidateMINI(f, ContextFor(c.cpu), c.rPoints);
+        EXPECT_EQ(std::ranges::count(errors.ErrorMessageFlags, true), c.message ? 1 : 0);
+        EXPECT_EQ(test::RecordedErrors(errors),
+                  c.message ? std::to_string(c.message) + ":" + std::to_string(control) : "");
     }
     Row s3 = kGoodRow;
     s3[kModel] = "MINI-S3";  // a MINI-S3 needs "------"
-    EXPECT_TRUE(ValidateMINI(Modules({s3}), ContextFor("A3U"), 0)
-                    .ControlHasMessage(MiniText2No(kStations), 11));
+    EXPECT_EQ(test::RecordedErrors(ValidateMINI(Modules({s3}), ContextFor("A3U"), 0)),
+              "11:" + std::to_string(MiniText2No(kStations)));
 }
 
 // X100 to the CPU, Y100 from it, special relays and registers for the error data, OFF data

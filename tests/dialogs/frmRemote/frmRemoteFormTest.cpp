@@ -15,17 +15,8 @@ using test::TypeKeys;
 using test::Yellow;
 using Remote = test::Opened<frmRemote>;
 
-// Sets bytes of the image before the dialog loads it.
-auto Bytes(std::vector<std::pair<int, uint8_t>> bytes) {
-    return [bytes](Remote& f) {
-        for (const auto& [index, value] : bytes) f.state.image[index] = value;
-    };
-}
-
 TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheImage) {
-    std::vector<std::pair<int, uint8_t>> fresh;
-    for (int i = 142; i <= 159; ++i) fresh.push_back({i, 255});
-    Remote f("A2C", Bytes(fresh));
+    Remote f("A2C", [](Remote& f) { std::fill_n(f.state.image.data() + 142, 18, 255); });
     EXPECT_TRUE(f->Text1->text() == "64" && f->OnlineMode[0]->isChecked());
     for (QLineEdit* cell : f->Text2) EXPECT_EQ(cell->text(), "");
     EXPECT_EQ(test::Focused(), "Text1");
@@ -69,7 +60,7 @@ TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheIma
 }
 
 TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
-    Remote f("A2C", Bytes({{144, 7}}));  // entry 2 filled
+    Remote f("A2C", [](Remote& f) { f.state.image[144] = 7; });  // entry 2 filled
     // clang-format off
     const struct { const char* from; Qt::Key key; const char* to; int caret = 0; /* -1: at the end */ }
     moves[] = {
