@@ -48,15 +48,11 @@ TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
         EXPECT_EQ(DeviceTextOf(MiniGroup::U, c.u, allM), c.text);
     }
     EXPECT_EQ(CalculateAddress(MiniGroup::U, "S2048"), 1536 + 128);  // L and S in M's range
-    for (const auto& [group, code] : {std::pair{MiniGroup::A, 640L},
-                                      {MiniGroup::A, 1023L},
-                                      {MiniGroup::A, 2512L},
-                                      {MiniGroup::A, 24576L},
-                                      {MiniGroup::U, 3280L},
-                                      {MiniGroup::U, 40960L}}) {
+    // clang-format off
+    for (const auto& [group, code] : {std::pair{MiniGroup::A, 640L}, {MiniGroup::A, 1023L},
+         {MiniGroup::A, 2512L}, {MiniGroup::A, 24576L}, {MiniGroup::U, 3280L}, {MiniGroup::U, 40960L}}) {
         EXPECT_EQ(DeviceTextOf(group, code, allM), "") << code;  // in no range
     }
-    // clang-format off
     // A relay's letter from words 14, 16, 18: L from word 16 to 18 and S from word 14 (erased
     // 2048); without L, M up to word 18 then S up to word 14 - 1, S from 0 with word 18 erased.
     const struct { int w14, w16, w18; long n; char letter; } relays[] = {
