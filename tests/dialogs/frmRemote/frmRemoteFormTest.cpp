@@ -30,8 +30,8 @@ TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheIma
     EXPECT_EQ(f->Text2[0]->text() + f->Text2[14]->text(), "62Non-procedure");
     EXPECT_TRUE(f->DataChanged && !f.state.DataChanged);  // its own flag, not the caller's
     // Entries 2 and 3 share stations 3 and 4.
-    for (int e : {1, 2}) {
-        TypeKeys(f->Text2[e], e == 1 ? "1" : "3");
+    for (const auto& [e, start] : {std::pair{1, "1"}, {2, "3"}}) {
+        TypeKeys(f->Text2[e], start);
         TypeKeys(f->Text2[e + 14], "0");
     }
     EXPECT_EQ(f->Text2[15]->text(), "MINI Standard");
@@ -69,19 +69,16 @@ TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
         {"Text2(1)", Qt::Key_Return, "Text2(15)"},  // filled: its protocol
         {"Text2(15)", Qt::Key_Return, "Text2(2)"}, {"Text2(27)", Qt::Key_Return, "OK"},
         {"Text1", Qt::Key_Down, "OnlineMode(0)"}, {"Text1", Qt::Key_Right, "Text2(0)", -1},
-        {"Text2(6)", Qt::Key_Down, "Text2(6)"},
-        {"Text2(8)", Qt::Key_Up, "Text2(7)"},
-        {"Text2(15)", Qt::Key_Right, "Text2(8)", -1},
+        {"Text2(6)", Qt::Key_Down, "Text2(6)"}, {"Text2(8)", Qt::Key_Up, "Text2(7)"},
+        {"Text2(15)", Qt::Key_Right, "Text2(8)", -1}, {"Text2(22)", Qt::Key_Left, "Text2(8)"},
         {"Text2(1)", Qt::Key_Left, "Text2(1)", 1},  // inside the text the caret moves
-        {"Text2(22)", Qt::Key_Left, "Text2(8)"},
         {"Text2(27)", Qt::Key_Down, "Clear"}};
     // clang-format on
     for (const auto& m : moves) {
         QWidget* from = Child(f.form.get(), m.from);
         from->setFocus();
-        if (auto* box = qobject_cast<QLineEdit*>(from)) {
+        if (auto* box = qobject_cast<QLineEdit*>(from))
             box->setCursorPosition(m.caret < 0 ? box->text().size() : m.caret);
-        }
         PressKey(from, m.key);
         EXPECT_EQ(test::Focused(), m.to) << m.from << " " << m.key;
     }
