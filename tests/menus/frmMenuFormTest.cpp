@@ -143,14 +143,11 @@ TEST(frmMenu, ARuntimeErrorAfterOkRequestedTheSaveStillSaves) {
     stale[2056] ^= 1;  // the network sum as it was: the working file was not merged
     project.SetParamTmp(stale);
     test::ModalDriver driver;
-    driver
-        .On("frmMenu",
-            [&project](QWidget* menu) {
-                // The merge of the working file fails after the save was requested.
-                std::remove(project.File(kParamWork).c_str());
-                PressKey(menu, Qt::Key_End);
-            })
-        .Message(0, "OK");
+    driver.On("frmMenu", [&project](QWidget* menu) {
+        std::remove(project.File(kParamWork).c_str());  // the merge fails after the save request
+        PressKey(menu, Qt::Key_End);
+    });
+    driver.Message(0, "OK");
     const test::RunOutcome run = test::RunParameterMode(project, driver);
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(run.result, 1);
@@ -178,7 +175,7 @@ TEST(frmMenu, UpAndDownWalkTheEnabledItemsAndCancelWithoutChangesLeavesAtOnce) {
 
 TEST(frmMenu, NetworkItemByCpuType) {
     for (const auto& [cpu, book, mode] :
-         {std::tuple{"A1S", "MORNET.xls", "0"}, std::tuple{"A4U", "MORNET10.xls", "3"}}) {
+         {std::tuple{"A1S", "MORNET.xls", "0"}, {"A4U", "MORNET10.xls", "3"}}) {
         Menu f(cpu);
         test::RecordingExcel excel;
         const std::string name = MakeBookName(f.project.Path(), book);
@@ -223,19 +220,14 @@ TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
     test::RecordingExcel excel;
     project.WriteText(MakeBookName(project.Path(), "Parameter mode.xls"), "workbook");
     test::ModalDriver driver;
-    driver
-        .On("frmMenu",
-            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(6)"), Qt::Key_Return); })
-        .Message(24, "Yes")
-        .On("frmMenu",
-            [&project](QWidget* menu) {
-                // Clear All cannot write "param.$$$" over a directory.
-                std::remove(project.File(kParamWork).c_str());
-                std::filesystem::create_directory(project.File(kParamWork));
-                PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
-            })
-        .Message(12, "Yes")
-        .Message(0, "OK");
+    driver.On("frmMenu",
+              [](QWidget* m) { PressKey(test::Child(m, "MenuItem(6)"), Qt::Key_Return); });
+    driver.Message(24, "Yes").On("frmMenu", [&project](QWidget* menu) {
+        std::remove(project.File(kParamWork).c_str());  // Clear All cannot write over a directory
+        std::filesystem::create_directory(project.File(kParamWork));
+        PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
+    });
+    driver.Message(12, "Yes").Message(0, "OK");
     const test::RunOutcome run = test::RunParameterMode(project, driver);
     EXPECT_EQ(run.result, 0) << run.error;
     ASSERT_EQ(excel.app->books.size(), 1u);

@@ -49,12 +49,10 @@ TEST(frmAssistance, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
     EXPECT_FALSE(f->Text1[0]->isEnabled());
     PressKey(f->StepRelayFlag, Qt::Key_Space);
     EXPECT_TRUE(f->StepRelayFlag->isChecked() && f.state.DataChanged);
-    PressKey(f->StepRelayFlag, Qt::Key_Return);
-    QTest::keyClicks(QApplication::focusWidget(), "1a5x36");
-    PressKey(f->Text1[0], Qt::Key_Return);
-    QTest::keyClicks(QApplication::focusWidget(), "2047");
-    PressKey(f->Text1[1], Qt::Key_Return);
-    QTest::keyClicks(QApplication::focusWidget(), "1fz");
+    for (const char* keys : {"1a5x36", "2047", "1fz"}) {  // Enter leads from box to box
+        PressKey(QApplication::focusWidget(), Qt::Key_Return);
+        QTest::keyClicks(QApplication::focusWidget(), keys);
+    }
     EXPECT_EQ(f->Text1[0]->text() + " " + f->Text2[0]->text(), "1536 1F");
     // The spin buttons count in the box's own digits, from its bottom on an empty box.
     f->VScroll2[0]->UpButton()->click();
