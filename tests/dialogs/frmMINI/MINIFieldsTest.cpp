@@ -27,10 +27,6 @@ MINIFields Modules(const std::vector<Row>& rows) {
     return f;
 }
 
-Bytes BytesAt(const ParameterImage& image, int first, int count) {
-    return {image.bytes().begin() + first, image.bytes().begin() + first + count};
-}
-
 TEST(MiniDeviceCodes, EveryRangeToItsCodeAndBackAndTheRelayLetters) {
     const RelayWords allM{2048, kErased, 8191};  // every internal relay shows as M
     // clang-format off
@@ -157,7 +153,8 @@ TEST(MiniRecords, LoadReadsTheGroupsAreaAsTheCellsKeepIt) {
     EXPECT_EQ(f.Text2[kMiniFieldsPerRow + kStations], "");
     f.Text2[kStartIo] = "0";  // saved back, the device in no range is no device
     WriteMINI(f, image, ContextFor("A2U"));
-    EXPECT_EQ(BytesAt(image, 2322, 6), (Bytes{0x00, 0x21, 0xBF, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(Bytes(image.data() + 2322, image.data() + 2328),
+              (Bytes{0x00, 0x21, 0xBF, 0xFF, 0xFF, 0xFF}));
 }
 
 }  // namespace
