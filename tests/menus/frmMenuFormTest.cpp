@@ -67,9 +67,8 @@ TEST(frmMenu, WhatIsTypedInADialogReachesParamTmp) {
         {"A3 ", 2, "frmTimerCounter", {{24, 0}, {26, 199}, {28, 200}, {30, 255}},
          {{"Text1(2)", "160"}, {"Text1(3)", "240"}}, {{194, 160}, {196, 240}, {26, 159}, {30, 239}}},
         {"A0J", 4, "frmStepRelay", {}, {{"StepRelayFlag", " "}}, {{18, 1535}}},
-        // Through Supplementary Functions (output mode after one scan: byte 180) and its
-        // follow-on dialog: entry 9 at station 21, non-procedure; a MINI in both areas, each cell
-        // refusing the keys it does not take.
+        // Through Supplementary Functions (output mode after one scan: byte 180) to its follow-on:
+        // entry 9 at station 21, non-procedure; a MINI in both areas, cells refusing wrong keys.
         {"A2C", 4, "frmRemote", {}, {{"Text2(8)", "21"}, {"", "1"}}, {{151, 21}, {157, 256}}},
         {"A3U", 4, "frmMINI", {}, {{"Text1", "1"}, {"", "1a0g"}, {"", "0"}, {"", "12x"}, {"", "x100"},
          {"", "y100z"}, {"", ""}, {"", "1"}, {"", "0"}, {"", "m9016"}, {"", "d9010"}, {"", "2"}},
@@ -249,17 +248,12 @@ struct NetworkMenuFixture {
         menu = std::make_unique<frmNetworkMenu>(state);
         menu->show();
     }
-    int Checked() const {
-        for (int i = 0; i < 3; ++i)
-            if (menu->MenuItem[i]->isChecked()) return i;
-        return -1;
-    }
 };
 
 TEST(frmNetworkMenu, AConfirmedClearingIsSavedBeforeTheEditingStarts) {
     NetworkMenuFixture f(1, 2);
     EXPECT_EQ(f.state.image[2560], 2);  // taken over from "param.$$$", its option checked
-    EXPECT_TRUE(f.Checked() == 2 && f.menu->focusWidget() == f.menu->MenuItem[2]);
+    EXPECT_TRUE(f.menu->MenuItem[2]->isChecked() && f.menu->focusWidget() == f.menu->MenuItem[2]);
     f.menu->MenuItem[0]->click();
     f.messages.Then(MessageButton::Yes).Then(MessageButton::Ok).Then(MessageButton::No);
     f.menu->OK->click();
@@ -289,7 +283,7 @@ TEST(frmNetworkMenu, EnterWalksToOkADeclinedModeChangeKeepsAllEndActsAsOkCancelC
     f.menu->OK->click();  // message 25: No is the default
     EXPECT_EQ(f.state.image, image);
     EXPECT_EQ(f.project.Read(kParamWork), work);
-    EXPECT_TRUE(f.Checked() == 0 && f.menu->isVisible());
+    EXPECT_TRUE(f.menu->MenuItem[0]->isChecked() && f.menu->isVisible());
     f.messages.Then(MessageButton::No);
     PressKey(f.menu->MenuItem[1], Qt::Key_End);
     EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{25, 24}));

@@ -79,9 +79,8 @@ TEST(frmAssistance, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
 TEST(frmAssistance, RefusedBoxesArePaintedAndCancelAfterClearLeavesTheImage) {
     Assistance f("A3H", [](Assistance& f) {
         for (const auto& [i, v] :
-             {std::pair{170, 1}, {176, 6}, {177, 128}, {178, 128}, {164, 1}, {181, 0}, {208, 1}}) {
+             {std::pair{170, 1}, {176, 6}, {177, 128}, {178, 128}, {164, 1}, {181, 0}, {208, 1}})
             f.state.image[i] = static_cast<uint8_t>(v);
-        }
     });
     EXPECT_EQ(f->Text2[0]->text(), "1F");
     EXPECT_TRUE(f->FuseCut[1]->isChecked() && f->XYControl[3]->isChecked() &&

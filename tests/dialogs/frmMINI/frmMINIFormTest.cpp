@@ -33,9 +33,8 @@ void OneModule(Mini& f) {
 
 TEST(frmMINI, CountMakesAndRemovesRowsAndArrowsStayInTheirColumn) {
     Mini f("A3U");
-    for (const std::string& fault : test::LayoutFaults(f.form.get())) {
+    for (const std::string& fault : test::LayoutFaults(f.form.get()))
         EXPECT_NE(fault.find("no caption"), std::string::npos) << fault;  // rows without number
-    }
     EXPECT_EQ(test::Focused(), "Text1");
     TypeKeys(f->Text1, "02");  // a digit replaces the one the box holds
     EXPECT_EQ(f->Text1->text() + f->Label2[13]->text() + f->Label2[14]->text(), "22");

@@ -10,7 +10,6 @@
 namespace gantrix {
 namespace {
 
-const std::string kMini = "MINI Standard";
 const std::string kNonProc = "Non-procedure";
 
 // Fields with the given entries (index e -> start) set, each with the MINI protocol.
@@ -19,7 +18,7 @@ RemoteFields WithStarts(const std::string& total, const std::map<int, std::strin
     f.Text1 = total;
     for (const auto& [e, start] : starts) {
         f.Text2[e] = start;
-        f.Text2[e + kRemoteEntries] = kMini;
+        f.Text2[e + kRemoteEntries] = "MINI Standard";
     }
     return f;
 }
