@@ -63,8 +63,7 @@ TEST(frmAssistance, KeysFilterTheBoxesAndStepRelayBoxesFollowTheirCheckBox) {
     f->VScroll1[0]->UpButton()->click();
     EXPECT_EQ(f->Text1[0]->text(), "1537");
     f->StepRelayFlag->click();  // unticked: the step relay numbers emptied and greyed
-    EXPECT_EQ(f->Text1[0]->text() + f->Text1[1]->text(), "");
-    EXPECT_FALSE(f->Text1[1]->isEnabled());
+    EXPECT_TRUE((f->Text1[0]->text() + f->Text1[1]->text()).isEmpty() && !f->Text1[1]->isEnabled());
     PressKey(f->IOErr[0], Qt::Key_Space);
     PressKey(f->Text2[1], Qt::Key_End);
     ParameterImage expected = f.loaded;  // RUN X20, PAUSE X0, I/O verify error: continue
