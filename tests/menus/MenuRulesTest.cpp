@@ -14,8 +14,7 @@ using test::StateFor;
 // clang-format off
 TEST(CheckEndPlace, EachProgramAgainstItsCapacityRoundedUpToK) {
     const struct { const char* cpu; std::array<int16_t, 4> end; int mainK; bool refused; } cases[] = {
-        {"A3 ", {2049, 0, 0, 0}, 2, true},   // 3 K > 2 K
-        {"A3 ", {2048, 0, 0, 0}, 2, false},  // an exact multiple is not rounded up
+        {"A3 ", {2049, 0, 0, 0}, 2, true}, {"A3 ", {2048, 0, 0, 0}, 2, false},  // 3 K > 2 K, 2 K fits
         {"A3 ", {1, 0, 0, 0}, 0, false},     // positions of 1 and below are not checked
         {"A0J", {7000, 0, 0, 0}, 6, true},   {"A2 ", {0, 9000, 9000, 9000}, 6, false},  // no subs on an A2
         {"A3 ", {0, 1025, 0, 0}, 6, true},   {"A3H", {0, 2, 0, 0}, 6, true},  // word 66 = 0
@@ -36,26 +35,22 @@ TEST(CheckEndPlace, EachProgramAgainstItsCapacityRoundedUpToK) {
 TEST(CheckTotalMemory, UTypesStayBelowThirtyOneK) {
     ModuleState state = StateFor("A3U");
     ScriptedMessages presenter;
-    state.Presenter = &presenter;
-    // 30 K main + micro 1 K as typed / 2 (= 0) + reserved 0: 30
+    state.Presenter = &presenter;  // 30 K main + micro 1 K as typed / 2 (= 0) + reserved 0: 30
     state.image.SetParamWord(30 * 1024, 64);
     state.image.SetParamWord(1024, 2434);
     state.image.SetParamWord(100, 2432);
-    EXPECT_TRUE(CheckTotalMemory(state));
+    EXPECT_TRUE(CheckTotalMemory(state) && presenter.shown.empty());
     EXPECT_EQ(state.image.GetParamWord(72), 1024 + 200);
-    EXPECT_TRUE(presenter.shown.empty());
     state.image.SetParamWord(1, 138);  // a reserved area of 1 byte takes 1 K: 31
     EXPECT_FALSE(CheckTotalMemory(state));
     EXPECT_EQ(presenter.Numbers(), std::vector<int>{23});
     state.image[138] = state.image[139] = 0xFF;  // erased reads as 0 and is written so
     EXPECT_TRUE(CheckTotalMemory(state));
     EXPECT_EQ(state.image.GetParamWord(138), 0);
-
     ModuleState a3 = StateFor("A3 ");
     a3.image.SetParamWord(65535, 64);
     a3.image[72] = 0x12;
-    EXPECT_TRUE(CheckTotalMemory(a3));
-    EXPECT_EQ(a3.image[72], 0x12);
+    EXPECT_TRUE(CheckTotalMemory(a3) && a3.image[72] == 0x12);
 }
 
 // clang-format off
@@ -80,10 +75,8 @@ TEST(NetworkMenuRules, ClearLinkByteByByte) {
     const ParameterImage before = image;
     ClearLink(image);
     for (int i = 0; i < kImageSize; ++i) {
-        int expected = before[i];
-        if (i == 1024) expected = 0;
-        if ((i >= 1025 && i <= 2058 && i != 1071) || (i >= 2560 && i <= 3042)) expected = 255;
-        EXPECT_EQ(image[i], expected) << i;
+        const bool erased = (i >= 1025 && i <= 2058 && i != 1071) || (i >= 2560 && i <= 3042);
+        EXPECT_EQ(image[i], i == 1024 ? 0 : erased ? 255 : before[i]) << i;
     }
 }
 // clang-format on

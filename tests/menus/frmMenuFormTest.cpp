@@ -1,6 +1,9 @@
 #include "menus/frmMenu.h"
+#include "menus/frmNetworkMenu.h"
 
 #include <QPushButton>
+#include <QRadioButton>
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
@@ -18,55 +21,45 @@ namespace {
 using test::PressKey;
 using Menu = test::Opened<frmMenu>;
 
-TEST(frmMenu, OkOnEveryDefaultImageChangesNoByte) {
+// The menu and every dialog it opens, left with OK at once on any new project: laid out whole,
+// no byte changed.
+TEST(frmMenu, OkAtOnceInTheMenuOrAnyDialogChangesNoByteOfAnyDefaultImage) {
     for (std::string_view type : platform::kCpuTypes) {
         const std::string cpu(type);
+        SCOPED_TRACE(cpu);
         Menu f(cpu);
-        EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{}) << cpu;
-        f->OK->click();
-        EXPECT_TRUE(f.Closed() && f.state.SaveRequested && f.state.ContentChangeFlag) << cpu;
-        EXPECT_EQ(test::DifferingBytes(f.state.image, test::DefaultImage(cpu)), std::vector<int>{})
-            << cpu;
-    }
-}
-
-// Every dialog the menu opens, left with OK at once on any new project: laid out whole, no byte
-// changed.
-TEST(frmMenu, EveryDialogLeftWithOkAtOnceChangesNoByteOfAnyDefaultImage) {
-    for (const char* dialog : {"frmMemory", "frmLatch", "frmTimerCounter", "frmInterruptCounter",
-                               "frmIOLayout", "frmStepRelay"}) {
-        if (!IsDialogRegistered(dialog)) continue;  // built without it
-        for (std::string_view type : platform::kCpuTypes) {
-            const std::string cpu(type);
-            if (dialog == std::string("frmStepRelay") && cpu != "A0J") continue;  // A0J only
-            test::TempProject project(cpu);
-            ModuleState state = test::StateFor(cpu, project.Path());
-            test::ScriptedMessages messages;
-            state.Presenter = &messages;
-            CopyWorkFiles(state);
+        EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
+        for (const std::string dialog : {"frmMemory", "frmLatch", "frmTimerCounter",
+                                         "frmInterruptCounter", "frmIOLayout", "frmStepRelay"}) {
+            if (!IsDialogRegistered(dialog) || (dialog == "frmStepRelay" && cpu != "A0J")) continue;
+            f.state.ParamChanged = false;
             test::ModalDriver driver;
-            driver.On(dialog, [&](QWidget* window) {
-                EXPECT_EQ(test::LayoutFaults(window), std::vector<std::string>{}) << dialog << cpu;
+            driver.On(QString::fromStdString(dialog), [&](QWidget* window) {
+                EXPECT_EQ(test::LayoutFaults(window), std::vector<std::string>{}) << dialog;
                 PressKey(window, Qt::Key_End);
             });
-            driver.Run([&] { OpenDialog(dialog, state); });
-            EXPECT_TRUE(messages.shown.empty() && state.ParamChanged) << dialog << cpu;
-            EXPECT_EQ(test::DifferingBytes(state.image, test::DefaultImage(cpu)),
-                      std::vector<int>{})
-                << dialog << cpu;
+            driver.Run([&] { OpenDialog(dialog, f.state); });
+            EXPECT_TRUE(f.messages.shown.empty() && f.state.ParamChanged) << dialog;
+            EXPECT_EQ(test::DifferingBytes(f.state.image, f.loaded), std::vector<int>{}) << dialog;
             if (HasFailure()) return;  // one report is enough, and a stuck window costs time
         }
+        f->OK->click();
+        EXPECT_TRUE(f.Closed() && f.state.SaveRequested && f.state.ContentChangeFlag);
+        EXPECT_EQ(test::DifferingBytes(f.state.image, test::DefaultImage(cpu)), std::vector<int>{});
     }
 }
 
-// A host's run through the menu: "param.tmp" holds what was typed, with fresh check bytes.
+// A host's run through the menu: "param.tmp" holds what was typed, with fresh check bytes. A step
+// naming a control focuses it with its text selected; one naming none presses Enter first.
 TEST(frmMenu, WhatIsTypedInADialogReachesParamTmp) {
     using Words = std::vector<std::pair<int, int>>;
+    const std::vector<uint8_t> mini = {0x1A, 0x7A, 0x45, 0x0C, 0x10, 0x00,
+                                       0x10, 0x04, 0xC1, 0x0C, 0x0A, 0x0D};
     // clang-format off
     const struct { const char* cpu; int item; const char* dialog; Words before;
-                   std::vector<std::pair<const char*, const char*>> typed; Words saved; } cases[] = {
+                   std::vector<std::pair<const char*, const char*>> typed; Words saved;
+                   std::vector<int> minis = {}; } cases[] = {
         {"A3 ", 0, "frmMemory", {}, {{"Text1(0)", "12"}}, {{64, 12 * 1024}}},
-        {"A4U", 0, "frmMemory", {}, {{"Text4", "3"}}, {{68, 3 * 1024}}},
         {"A2U", 1, "frmLatch", {}, {{"Text1(2)", "1a0"}, {"Text1(3)", "1fff"}, {"Text1(12)", "100"},
                                     {"Text1(13)", "199"}},
          {{20, 0x1A0}, {22, 0x1FFF}, {40, 100}, {42, 199}}},
@@ -74,6 +67,12 @@ TEST(frmMenu, WhatIsTypedInADialogReachesParamTmp) {
         {"A3 ", 2, "frmTimerCounter", {{24, 0}, {26, 199}, {28, 200}, {30, 255}},
          {{"Text1(2)", "160"}, {"Text1(3)", "240"}}, {{194, 160}, {196, 240}, {26, 159}, {30, 239}}},
         {"A0J", 4, "frmStepRelay", {}, {{"StepRelayFlag", " "}}, {{18, 1535}}},
+        // Through Supplementary Functions (output mode after one scan: byte 180) to its follow-on:
+        // entry 9 at station 21, non-procedure; a MINI in both areas, cells refusing wrong keys.
+        {"A2C", 4, "frmRemote", {}, {{"Text2(8)", "21"}, {"", "1"}}, {{151, 21}, {157, 256}}},
+        {"A3U", 4, "frmMINI", {}, {{"Text1", "1"}, {"", "1a0g"}, {"", "0"}, {"", "12x"}, {"", "x100"},
+         {"", "y100z"}, {"", ""}, {"", "1"}, {"", "0"}, {"", "m9016"}, {"", "d9010"}, {"", "2"}},
+         {{534, 1}, {2312, 1}}, {544, 2322}},
     };
     // clang-format on
     for (const auto& c : cases) {
@@ -83,27 +82,40 @@ TEST(frmMenu, WhatIsTypedInADialogReachesParamTmp) {
         image[525] ^= 0x5A;  // the check bytes must be recomputed
         for (const auto& [index, value] : c.before) image.SetParamWord(value, index);
         project.SetParamTmp(image);
+        const bool assistance = c.item == 4 && std::string(c.cpu) != "A0J";
         test::ModalDriver driver;
         driver.On("frmMenu", [&c](QWidget* menu) {
             PressKey(test::Child(menu, QString("MenuItem(%1)").arg(c.item)), Qt::Key_Return);
         });
+        if (assistance) {
+            driver.On("frmAssistance", [](QWidget* dialog) {
+                PressKey(test::Child(dialog, "OutputMode(1)"), Qt::Key_Space);
+                PressKey(test::Child(dialog, "AssistMenuItem"), Qt::Key_Return);
+            });
+        }
         driver.On(c.dialog, [&c](QWidget* dialog) {
             for (const auto& [box, keys] : c.typed) {
-                QWidget* control = test::Child(dialog, box);
-                control->setFocus();
-                if (auto* edit = qobject_cast<QLineEdit*>(control)) edit->selectAll();
-                QTest::keyClicks(control, keys);
+                if (*box) {
+                    QWidget* control = test::Child(dialog, box);
+                    control->setFocus();
+                    if (auto* edit = qobject_cast<QLineEdit*>(control)) edit->selectAll();
+                } else {
+                    PressKey(QApplication::focusWidget(), Qt::Key_Return);
+                }
+                QTest::keyClicks(QApplication::focusWidget(), keys);
             }
             PressKey(dialog, Qt::Key_End);
         });
+        if (assistance) driver.On("frmAssistance", [](QWidget* d) { PressKey(d, Qt::Key_End); });
         driver.On("frmMenu", [](QWidget* menu) { PressKey(menu, Qt::Key_End); });
         const test::RunOutcome run = test::RunParameterMode(project, driver);
         EXPECT_EQ(run.result, 1) << c.dialog << run.error;
         EXPECT_TRUE(run.contentChanged);
+        if (assistance) image[180] = 1;
+        for (int at : c.minis) std::copy(mini.begin(), mini.end(), image.bytes().begin() + at);
         EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), test::SavedWith(image, c.cpu, c.saved)),
                   std::vector<int>{})
             << c.dialog << " " << c.cpu;
-        EXPECT_FALSE(project.Exists("param.$$$"));
     }
 }
 
@@ -130,14 +142,11 @@ TEST(frmMenu, ARuntimeErrorAfterOkRequestedTheSaveStillSaves) {
     stale[2056] ^= 1;  // the network sum as it was: the working file was not merged
     project.SetParamTmp(stale);
     test::ModalDriver driver;
-    driver
-        .On("frmMenu",
-            [&project](QWidget* menu) {
-                // The merge of the working file fails after the save was requested.
-                std::remove(project.File(kParamWork).c_str());
-                PressKey(menu, Qt::Key_End);
-            })
-        .Message(0, "OK");
+    driver.On("frmMenu", [&project](QWidget* menu) {
+        std::remove(project.File(kParamWork).c_str());  // the merge fails after the save request
+        PressKey(menu, Qt::Key_End);
+    });
+    driver.Message(0, "OK");
     const test::RunOutcome run = test::RunParameterMode(project, driver);
     EXPECT_EQ(run.status, 0) << run.error;
     EXPECT_EQ(run.result, 1);
@@ -149,37 +158,34 @@ TEST(frmMenu, UpAndDownWalkTheEnabledItemsAndCancelWithoutChangesLeavesAtOnce) {
     Menu f("A0J");
     f->MenuItem[2]->setEnabled(false);
     f->MenuItem[3]->setEnabled(false);
-    f->MenuItem[1]->setFocus();
-    PressKey(f->MenuItem[1], Qt::Key_Down);
-    EXPECT_EQ(test::Focused(), "MenuItem(4)");
-    PressKey(f->MenuItem[4], Qt::Key_Up);
-    EXPECT_EQ(test::Focused(), "MenuItem(1)");
-    PressKey(f->MenuItem[0], Qt::Key_Up);
-    EXPECT_EQ(test::Focused(), "Cancel");
-    PressKey(f->Cancel, Qt::Key_Down);
-    EXPECT_EQ(test::Focused(), "MenuItem(0)");
+    // clang-format off
+    for (const auto& [from, key, to] : {std::tuple<QWidget*, Qt::Key, const char*>{f->MenuItem[1],
+         Qt::Key_Down, "MenuItem(4)"}, {f->MenuItem[4], Qt::Key_Up, "MenuItem(1)"},
+         {f->MenuItem[0], Qt::Key_Up, "Cancel"}, {f->Cancel, Qt::Key_Down, "MenuItem(0)"}}) {
+        // clang-format on
+        from->setFocus();
+        PressKey(from, key);
+        EXPECT_EQ(test::Focused(), to);
+    }
     PressKey(f->Cancel, Qt::Key_Return);
     EXPECT_TRUE(f.Closed() && f.messages.shown.empty());
     EXPECT_EQ(f->result(), QDialog::Rejected);
 }
 
 TEST(frmMenu, NetworkItemByCpuType) {
-    for (const auto& [cpu, book, mode] :
-         {std::tuple{"A1S", "MORNET.xls", "0"}, std::tuple{"A4U", "MORNET10.xls", "3"}}) {
-        Menu f(cpu);
-        test::RecordingExcel excel;
-        const std::string name = MakeBookName(f.project.Path(), book);
-        f.project.WriteText(name, "workbook");
-        f->MenuItem[5]->click();
-        ASSERT_NE(excel.app->Book(name), nullptr) << cpu;
-        EXPECT_EQ(excel.app->Book(name)->cells["B32"], mode);
-    }
-    Menu f("A3A");
+    Menu f("A4U");
+    test::RecordingExcel excel;
+    const std::string name = MakeBookName(f.project.Path(), "MORNET10.xls");
+    f.project.WriteText(name, "workbook");
+    f->MenuItem[5]->click();
+    ASSERT_NE(excel.app->Book(name), nullptr);
+    EXPECT_EQ(excel.app->Book(name)->cells["B32"], "3");
+    Menu g("A3A");
     test::ModalDriver driver;
     driver.On("frmNetworkMenu",
               [](QWidget* menu) { PressKey(test::Child(menu, "Cancel"), Qt::Key_Return); });
-    driver.Run([&f] { f->MenuItem[5]->click(); });
-    EXPECT_FALSE(f.Closed());
+    driver.Run([&g] { g->MenuItem[5]->click(); });
+    EXPECT_FALSE(g.Closed());
 }
 
 TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
@@ -191,6 +197,7 @@ TEST(frmMenu, OkAndCancelWaitForTheWorkbooksOfTheRunToClose) {
     f->MenuItem[6]->click();
     f->MenuItem[5]->click();
     ASSERT_EQ(excel.app->books.size(), 2u);
+    EXPECT_EQ(excel.app->Book(MakeBookName(dir, "MORNET.xls"))->cells["B32"], "0");
     f->OK->click();
     f->Cancel->click();
     excel.app->books.erase(excel.app->books.begin());  // the parameter workbook
@@ -210,23 +217,76 @@ TEST(frmMenu, TheRunReleasesTheSpreadsheetApplicationAtItsEnd) {
     test::RecordingExcel excel;
     project.WriteText(MakeBookName(project.Path(), "Parameter mode.xls"), "workbook");
     test::ModalDriver driver;
-    driver
-        .On("frmMenu",
-            [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(6)"), Qt::Key_Return); })
-        .Message(24, "Yes")
-        .On("frmMenu",
-            [&project](QWidget* menu) {
-                // Clear All cannot write "param.$$$" over a directory.
-                std::remove(project.File(kParamWork).c_str());
-                std::filesystem::create_directory(project.File(kParamWork));
-                PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
-            })
-        .Message(12, "Yes")
-        .Message(0, "OK");
+    driver.On("frmMenu",
+              [](QWidget* m) { PressKey(test::Child(m, "MenuItem(6)"), Qt::Key_Return); });
+    driver.Message(24, "Yes").On("frmMenu", [&project](QWidget* menu) {
+        std::remove(project.File(kParamWork).c_str());  // Clear All cannot write over a directory
+        std::filesystem::create_directory(project.File(kParamWork));
+        PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return);
+    });
+    driver.Message(12, "Yes").Message(0, "OK");
     const test::RunOutcome run = test::RunParameterMode(project, driver);
     EXPECT_EQ(run.result, 0) << run.error;
     ASSERT_EQ(excel.app->books.size(), 1u);
     EXPECT_EQ(excel.app.use_count(), 1);
+}
+
+// An "A3A" menu whose working file holds these bytes 1024 and 2560.
+struct NetworkMenuFixture {
+    test::TempProject project{"A3A"};
+    ModuleState state = test::StateFor("A3A", project.Path());
+    test::RecordingExcel excel{true};
+    test::LoggingMessages messages{excel.log};
+    std::unique_ptr<frmNetworkMenu> menu;
+
+    NetworkMenuFixture(int b1024, int b2560) {
+        state.Presenter = &messages;
+        ParameterImage work = state.image;
+        work[1024] = static_cast<uint8_t>(b1024);
+        work[2560] = static_cast<uint8_t>(b2560);
+        project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
+        menu = std::make_unique<frmNetworkMenu>(state);
+        menu->show();
+    }
+};
+
+TEST(frmNetworkMenu, AConfirmedClearingIsSavedBeforeTheEditingStarts) {
+    NetworkMenuFixture f(1, 2);
+    EXPECT_EQ(f.state.image[2560], 2);  // taken over from "param.$$$", its option checked
+    EXPECT_TRUE(f.menu->MenuItem[2]->isChecked() && f.menu->focusWidget() == f.menu->MenuItem[2]);
+    f.menu->MenuItem[0]->click();
+    f.messages.Then(MessageButton::Yes).Then(MessageButton::Ok).Then(MessageButton::No);
+    f.menu->OK->click();
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{25, 10, 24}));
+    EXPECT_EQ(f.state.image[2560], 255);  // cleared
+    EXPECT_TRUE(std::ranges::equal(f.project.Read(kParamWork), f.state.image.bytes()));
+    EXPECT_TRUE(f.state.NetworkMode == 0 && f.menu->isVisible());
+    // Cleared data suit every mode: the MORNET II workbook opens without a question.
+    const std::string book = MakeBookName(f.project.Path(), "MORNET2.xls");
+    f.project.WriteText(book, "workbook");
+    f.menu->MenuItem[2]->click();
+    f.menu->OK->click();
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{25, 10, 24, 24}));
+    ASSERT_NE(f.excel.app->Book(book), nullptr);
+    EXPECT_EQ(f.excel.app->Book(book)->cells["B32"], "2");
+}
+
+TEST(frmNetworkMenu, EnterWalksToOkADeclinedModeChangeKeepsAllEndActsAsOkCancelCloses) {
+    NetworkMenuFixture f(1, 63);
+    const ParameterImage image = f.state.image;
+    const auto work = f.project.Read(kParamWork);
+    for (int i = 0; i < 3; ++i) PressKey(f.menu->focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(f.menu->focusWidget() == f.menu->OK && f.messages.shown.empty());
+    f.menu->MenuItem[1]->click();
+    f.menu->OK->click();  // message 25: No is the default
+    EXPECT_EQ(f.state.image, image);
+    EXPECT_EQ(f.project.Read(kParamWork), work);
+    EXPECT_TRUE(f.menu->MenuItem[0]->isChecked() && f.menu->isVisible());
+    f.messages.Then(MessageButton::No);
+    PressKey(f.menu->MenuItem[1], Qt::Key_End);
+    EXPECT_EQ(f.messages.Numbers(), (std::vector<int>{25, 24}));
+    PressKey(f.menu->Cancel, Qt::Key_Return);
+    EXPECT_FALSE(f.menu->isVisible());
 }
 
 }  // namespace

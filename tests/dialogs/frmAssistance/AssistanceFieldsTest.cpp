@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-#include <vector>
-
 #include "support/core/TestSupport.h"
 
 namespace gantrix {
 namespace {
 
-using Pairs = std::vector<std::pair<int, int>>;  // (message, control) or (index, word)
+using Pairs = std::vector<std::pair<int, int>>;  // (index, word) or (byte, value)
 
 DialogContext Ctx(const std::string& cpu) {
     return ContextOf(test::StateFor(cpu));
@@ -64,46 +61,40 @@ TEST(AssistanceStepRelays, WordsPerStateOfTheCheckBoxAndBack) {
         EXPECT_EQ(image.GetParamWord(18), c.word18);
         EXPECT_EQ(image.GetParamWord(14), word14);
         const AssistanceFields back = ReadAssistance(image, context);
-        EXPECT_EQ(back.StepRelayFlag, c.flag);
-        EXPECT_EQ(back.Text1, fields.Text1);
+        EXPECT_TRUE(back.StepRelayFlag == c.flag && back.Text1 == fields.Text1);
     }
 }
 
 TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
-    constexpr int start = 46, end = 47, run = 48, pause = 49, wdt = 50;
     // clang-format off
+    // "message:control"; controls 46 start, 47 end, 48 RUN, 49 PAUSE, 50 watchdog.
     const struct { const char* cpu; Pairs before; bool flag; const char *start, *end, *run, *pause,
-                   *wdt; Pairs recorded; } cases[] = {
-        {"A2 ", {}, false, "", "", "", "", "20", {}}, {"A2 ", {}, false, "", "", "", "", "0", {{3, wdt}}},
+                   *wdt, *recorded; } cases[] = {
+        {"A2 ", {}, false, "", "", "", "", "20", ""}, {"A2 ", {}, false, "", "", "", "", "0", "3:50"},
         // Step relays not in use are not checked; a PAUSE needs a RUN contact.
-        {"A2 ", {}, false, "999", "", "", "10", "201", {{3, wdt}, {11, run}}},
-        {"A2 ", {}, true, "", "", "1FFF0", "", "", {{2, wdt}, {3, run}, {11, start}}},
+        {"A2 ", {}, false, "999", "", "", "10", "201", "3:50 11:48"},
+        {"A2 ", {}, true, "", "", "1FFF0", "", "", "2:50 3:48 11:46"},
         // Below the first latch relay (L1000), a PAUSE above the last X.
-        {"A2 ", {}, true, "999", "", "1FF", "200", "1", {{3, start}, {3, pause}}},
-        {"A2 ", {}, true, "2048", "", "0", "1FF", "200", {{3, start}}},
-        {"A2 ", {}, true, "1000", "", "", "", "20", {}},
-        {"A2 ", {{16, 65535}}, true, "0", "", "", "", "20", {}},  // without a latched L, from 0
-        {"A3U", {}, true, "3000", "2047", "7FF", "", "", {{8, start}, {8, end}}},
-        {"A3U", {}, true, "", "9000", "", "", "", {{3, end}, {11, start}}},
-        {"A3U", {}, true, "9000", "2047", "", "", "", {{3, start}}},  // no order beside it
-        {"A3U", {}, true, "900", "", "800", "", "", {{3, start}, {3, run}, {11, end}}}};
+        {"A2 ", {}, true, "999", "", "1FF", "200", "1", "3:46 3:49"},
+        {"A2 ", {}, true, "2048", "", "0", "1FF", "200", "3:46"},
+        {"A2 ", {}, true, "1000", "", "", "", "20", ""},
+        {"A2 ", {{16, 65535}}, true, "0", "", "", "", "20", ""},  // without a latched L, from 0
+        {"A3U", {}, true, "3000", "2047", "7FF", "", "", "8:46 8:47"},
+        {"A3U", {}, true, "", "9000", "", "", "", "3:47 11:46"},
+        {"A3U", {}, true, "9000", "2047", "", "", "", "3:46"},  // no order beside it
+        {"A3U", {}, true, "900", "", "800", "", "", "3:46 3:48 11:47"}};
     // clang-format on
     for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.cpu) + " " + c.start + "-" + c.end + " " + c.run + "/" +
-                     c.pause + " " + c.wdt);
         AssistanceFields f;
         f.StepRelayFlag = c.flag;
         f.Text1 = {c.start, c.end};
         f.Text2 = {c.run, c.pause};
         f.Text3 = c.wdt;
-        const ErrorTables errors = ValidateAssistance(f, ImageWith(c.cpu, c.before), Ctx(c.cpu));
-        Pairs recorded;
-        for (int m = 0; m <= kMaxMessageNo; ++m) {
-            for (int control = 0; control <= kMaxControlNo; ++control) {
-                if (errors.ControlErrorFlags[control][m]) recorded.emplace_back(m, control);
-            }
-        }
-        EXPECT_EQ(recorded, c.recorded);
+        EXPECT_EQ(
+            test::RecordedErrors(ValidateAssistance(f, ImageWith(c.cpu, c.before), Ctx(c.cpu))),
+            c.recorded)
+            << c.cpu << " " << c.start << "-" << c.end << " " << c.run << "/" << c.pause << " "
+            << c.wdt;
     }
 }
 
@@ -143,11 +134,9 @@ TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
         WriteAssistance(f, image, context);
         for (const auto& [index, value] : c.expected) EXPECT_EQ(image[index], value) << index;
         std::vector<uint8_t> errorAndContacts;
-        for (int i : {163, 164, 165, 169, 170, 172, 174, 176, 178, 180}) {
+        for (int i : {163, 164, 165, 169, 170, 172, 174, 176, 178, 180})
             errorAndContacts.push_back(image[i]);
-        }
         EXPECT_EQ(errorAndContacts, (std::vector<uint8_t>{0, 1, 1, 0, 1, 255, 255, 6, 128, 1}));
-        // What is written reads back, for the controls the type shows.
         const AssistanceLayout layout = AssistanceLayoutOf(c.cpu);
         if (!layout.watchdog) f.Text3.clear();
         f.EndManageFlag = layout.endManage;

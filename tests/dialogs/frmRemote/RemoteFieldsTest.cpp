@@ -10,7 +10,6 @@
 namespace gantrix {
 namespace {
 
-const std::string kMini = "MINI Standard";
 const std::string kNonProc = "Non-procedure";
 
 // Fields with the given entries (index e -> start) set, each with the MINI protocol.
@@ -19,7 +18,7 @@ RemoteFields WithStarts(const std::string& total, const std::map<int, std::strin
     f.Text1 = total;
     for (const auto& [e, start] : starts) {
         f.Text2[e] = start;
-        f.Text2[e + kRemoteEntries] = kMini;
+        f.Text2[e + kRemoteEntries] = "MINI Standard";
     }
     return f;
 }
@@ -32,11 +31,9 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
     // clang-format off
     const struct { const char* what; RemoteFields fields; std::vector<std::string> recorded; }
     cases[] = {
-        {"defaults", DefaultsRemote(), {}},
+        {"defaults", DefaultsRemote(), {}}, {"total 0", WithStarts("0", {}), {"Text1:3"}},
         {"empty total rejects every start", WithStarts("", {{0, "1"}}), {"Text1:2", "Text2(0):11"}},
-        {"total 0", WithStarts("0", {}), {"Text1:3"}},
-        {"total 1", WithStarts("1", {}), {}},
-        {"total 65", WithStarts("65", {}), {"Text1:3"}},
+        {"total 1", WithStarts("1", {}), {}}, {"total 65", WithStarts("65", {}), {"Text1:3"}},
         {"61 of 64 and 1 of 4 fit", WithStarts("64", {{0, "61"}, {5, "1"}}), {}},
         {"62 of 64", WithStarts("64", {{0, "62"}}), {"Text2(0):11"}},
         {"start 0", WithStarts("64", {{3, "0"}}), {"Text2(3):11"}},
@@ -51,13 +48,10 @@ TEST(RemoteCheck, TotalStartsOverlapsAndProtocols) {
     for (const auto& c : cases) {
         const ErrorTables errors = ValidateRemote(c.fields);
         std::vector<std::string> recorded;  // "control:message"
-        for (int control = 0; control <= kMaxControlNo; ++control) {
-            for (int n = 0; n <= kMaxMessageNo; ++n) {
-                if (errors.ControlHasMessage(control, n)) {
+        for (int control = 0; control <= kMaxControlNo; ++control)
+            for (int n = 0; n <= kMaxMessageNo; ++n)
+                if (errors.ControlHasMessage(control, n))
                     recorded.push_back(ControlNameOf(control).control + ":" + std::to_string(n));
-                }
-            }
-        }
         EXPECT_EQ(recorded, c.recorded) << c.what;
     }
 }
@@ -78,7 +72,6 @@ TEST(RemoteBytes, ReadAndWriteBothWays) {
     EXPECT_EQ(ReadRemote(image), expected);
     image[142] = 7;
     EXPECT_EQ(ReadRemote(image).OnlineMode, -1);  // no option selected
-
     image = fresh;
     RemoteFields f = WithStarts("40", {{0, "1"}, {8, "9"}, {13, "30"}});
     f.Text2[8 + kRemoteEntries] = kNonProc;  // entry 9: bit 0 of byte 158

@@ -15,17 +15,8 @@ using test::TypeKeys;
 using test::Yellow;
 using Remote = test::Opened<frmRemote>;
 
-// Sets bytes of the image before the dialog loads it.
-auto Bytes(std::vector<std::pair<int, uint8_t>> bytes) {
-    return [bytes](Remote& f) {
-        for (const auto& [index, value] : bytes) f.state.image[index] = value;
-    };
-}
-
 TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheImage) {
-    std::vector<std::pair<int, uint8_t>> fresh;
-    for (int i = 142; i <= 159; ++i) fresh.push_back({i, 255});
-    Remote f("A2C", Bytes(fresh));
+    Remote f("A2C", [](Remote& f) { std::fill_n(f.state.image.data() + 142, 18, 255); });
     EXPECT_TRUE(f->Text1->text() == "64" && f->OnlineMode[0]->isChecked());
     for (QLineEdit* cell : f->Text2) EXPECT_EQ(cell->text(), "");
     EXPECT_EQ(test::Focused(), "Text1");
@@ -39,8 +30,8 @@ TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheIma
     EXPECT_EQ(f->Text2[0]->text() + f->Text2[14]->text(), "62Non-procedure");
     EXPECT_TRUE(f->DataChanged && !f.state.DataChanged);  // its own flag, not the caller's
     // Entries 2 and 3 share stations 3 and 4.
-    for (int e : {1, 2}) {
-        TypeKeys(f->Text2[e], e == 1 ? "1" : "3");
+    for (const auto& [e, start] : {std::pair{1, "1"}, {2, "3"}}) {
+        TypeKeys(f->Text2[e], start);
         TypeKeys(f->Text2[e + 14], "0");
     }
     EXPECT_EQ(f->Text2[15]->text(), "MINI Standard");
@@ -69,7 +60,7 @@ TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheIma
 }
 
 TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
-    Remote f("A2C", Bytes({{144, 7}}));  // entry 2 filled
+    Remote f("A2C", [](Remote& f) { f.state.image[144] = 7; });  // entry 2 filled
     // clang-format off
     const struct { const char* from; Qt::Key key; const char* to; int caret = 0; /* -1: at the end */ }
     moves[] = {
@@ -78,19 +69,16 @@ TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
         {"Text2(1)", Qt::Key_Return, "Text2(15)"},  // filled: its protocol
         {"Text2(15)", Qt::Key_Return, "Text2(2)"}, {"Text2(27)", Qt::Key_Return, "OK"},
         {"Text1", Qt::Key_Down, "OnlineMode(0)"}, {"Text1", Qt::Key_Right, "Text2(0)", -1},
-        {"Text2(6)", Qt::Key_Down, "Text2(6)"},
-        {"Text2(8)", Qt::Key_Up, "Text2(7)"},
-        {"Text2(15)", Qt::Key_Right, "Text2(8)", -1},
+        {"Text2(6)", Qt::Key_Down, "Text2(6)"}, {"Text2(8)", Qt::Key_Up, "Text2(7)"},
+        {"Text2(15)", Qt::Key_Right, "Text2(8)", -1}, {"Text2(22)", Qt::Key_Left, "Text2(8)"},
         {"Text2(1)", Qt::Key_Left, "Text2(1)", 1},  // inside the text the caret moves
-        {"Text2(22)", Qt::Key_Left, "Text2(8)"},
         {"Text2(27)", Qt::Key_Down, "Clear"}};
     // clang-format on
     for (const auto& m : moves) {
         QWidget* from = Child(f.form.get(), m.from);
         from->setFocus();
-        if (auto* box = qobject_cast<QLineEdit*>(from)) {
+        if (auto* box = qobject_cast<QLineEdit*>(from))
             box->setCursorPosition(m.caret < 0 ? box->text().size() : m.caret);
-        }
         PressKey(from, m.key);
         EXPECT_EQ(test::Focused(), m.to) << m.from << " " << m.key;
     }
