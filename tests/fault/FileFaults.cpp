@@ -41,8 +41,7 @@ bool Under(const char* path) {
            (path[dir.size()] == '/' || path[dir.size()] == '\0');
 }
 
-// Numbers a call on path; true when it is to fail (errno set). Does not return when the
-// plan kills.
+// Numbers a call on path; true when it is to fail (errno set).
 bool Hit(const char* op, const std::string& path) {
     if (path.empty() || !S().armed.load()) return false;
     std::lock_guard<std::mutex> guard(S().mutex);
@@ -61,8 +60,7 @@ bool HitPath(const char* op, const char* path) {
     return Under(path) && Hit(op, path);
 }
 
-// The path a descriptor or stream was opened on ("" for one not numbered), forgotten with
-// forget.
+// The path a descriptor or stream was opened on ("" for one not numbered).
 template <typename Key>
 std::string PathOf(std::map<Key, std::string>& paths, Key key, bool forget = false) {
     std::lock_guard<std::mutex> guard(S().mutex);
@@ -95,8 +93,7 @@ int Close(Real real, const char* op, std::map<Key, std::string>& paths, Key key)
 }
 
 const char* Env(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
+    return std::getenv(name) ? std::getenv(name) : "";
 }
 
 __attribute__((constructor)) void ArmFromEnvironment() {
@@ -136,8 +133,7 @@ std::vector<Call> Disarm() {
 
 using namespace gantrix::faults;
 
-// The C library's functions, numbered. Each declaration matches the C library's (noexcept
-// where it declares __THROW).
+// Each declaration matches the C library's (noexcept where it declares __THROW).
 extern "C" {
 
 #define GANTRIX_REAL(name) \
