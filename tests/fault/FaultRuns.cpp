@@ -42,7 +42,6 @@ struct RunOutcome {
     std::string error;               // RKParam_ErrorDescription
     std::vector<std::string> boxes;  // the texts of the message boxes, in order
     bool menuShown = false, timedOut = false;
-
     bool Saved() const { return status == 0 && result == 1; }
     std::string Messages() const {
         std::string text = error;
@@ -63,7 +62,6 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
     QElapsedTimer clock;
     clock.start();
     QTimer poll;
-    poll.setInterval(2);
     QObject::connect(&poll, &QTimer::timeout, [&] {
         QWidget* modal = QApplication::activeModalWidget();
         if (clock.elapsed() > 20000 && qobject_cast<QDialog*>(modal)) {
@@ -72,8 +70,7 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
         }
         if (modal == nullptr || !modal->isVisible() || modal == handled) return;
         handled = modal;
-        // Queued, so that a modal loop the action opens does not run inside this poll.
-        QTimer::singleShot(0, [&, target = QPointer<QWidget>(modal)] {
+        QTimer::singleShot(0, [&, target = QPointer<QWidget>(modal)] {  // outside this poll
             if (auto* box = qobject_cast<QMessageBox*>(target.data())) {
                 outcome.boxes.push_back(box->text().toStdString());
                 auto* button = box->findChild<QPushButton*>("OK");
@@ -87,7 +84,7 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
             }
         });
     });
-    poll.start();
+    poll.start(2);
     outcome.status = RKParam_Param_main(object, &outcome.result);
     poll.stop();
     outcome.error = RKParam_ErrorDescription(object);
@@ -134,12 +131,6 @@ const Reference& TheReference() {
         return r;
     }();
     return reference;
-}
-
-std::map<std::string, std::vector<uint8_t>> Snapshot(const TempDir& dir) {
-    std::map<std::string, std::vector<uint8_t>> files;
-    for (const std::string& name : dir.List()) files[name] = dir.Read(name);
-    return files;
 }
 
 // The file a call was about as a report names it: for a ".<name>.<pid>.<n>.part" its target.
@@ -272,7 +263,13 @@ TEST(TwoRuns, TheSecondIsRefusedWithoutTouchingAFileAndTheFirstSaves) {
     for (int i = 0; i < 3000 && !work.Exists("ready"); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_TRUE(work.Exists("ready"));
-    const auto files = Snapshot(scenario.project);  // the first run's working files among them
+    const auto snapshot = [&] {  // the first run's working files among them
+        std::map<std::string, std::vector<uint8_t>> files;
+        for (const std::string& name : scenario.project.List())
+            files[name] = scenario.project.Read(name);
+        return files;
+    };
+    const auto files = snapshot();
     const RunOutcome second = RunWithOk(scenario.project.Path());
     EXPECT_EQ(second.status, 0);
     EXPECT_EQ(second.result, 0);
@@ -280,7 +277,7 @@ TEST(TwoRuns, TheSecondIsRefusedWithoutTouchingAFileAndTheFirstSaves) {
     ASSERT_EQ(second.boxes.size(), 1u);
     EXPECT_NE(second.boxes[0].find("in use by another run"), std::string::npos) << second.boxes[0];
     EXPECT_EQ(second.error, second.boxes[0]);
-    EXPECT_EQ(Snapshot(scenario.project), files);
+    EXPECT_EQ(snapshot(), files);
 
     work.Write("go", {});
     first.join();
