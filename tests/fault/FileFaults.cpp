@@ -74,10 +74,6 @@ void Track(std::map<Key, std::string>& paths, Key key, const char* path) {
     paths[key] = path;
 }
 
-bool HitFd(const char* op, int fd) {
-    return S().armed.load() && Hit(op, PathOf(S().fds, fd));
-}
-
 // A close that fails has still released the descriptor or stream.
 template <typename Real, typename Key>
 int Close(Real real, const char* op, std::map<Key, std::string>& paths, Key key) {
@@ -139,8 +135,9 @@ extern "C" {
         GANTRIX_REAL(name);                               \
         return hit ? -1 : real args;                      \
     }
-#define GANTRIX_FD(type, name, params, spec, args) \
-    GANTRIX_WRAP(type, name, params, spec, HitFd(#name, fd), args)
+#define GANTRIX_FD(type, name, params, spec, args)                                              \
+    GANTRIX_WRAP(type, name, params, spec, S().armed.load() && Hit(#name, PathOf(S().fds, fd)), \
+                 args)
 #define GANTRIX_PATH(name, params, args) \
     GANTRIX_WRAP(int, name, params, noexcept, Under(path) && Hit(#name, path), args)
 

@@ -27,13 +27,12 @@
 
 #include "entry/GantrixA0J.h"
 #include "entry/RKParam.h"
+#include "platform/rkcmnt/DeviceTable.h"
 #include "support/core/TestSupport.h"
 
 namespace gantrix::monkey {
 namespace {
 
-const char* const kCpuTypes[] = {"A0J", "A0H", "A1S", "A1 ", "A2C", "A2 ", "A3 ",
-                                 "A3H", "A2A", "A3A", "A2U", "A3U", "A4U"};
 constexpr int kDefaultSessions = 156;       // about 20 s on one core in the release build
 constexpr unsigned kWatchdogSeconds = 120;  // no action for this long is a hang
 // Close attempts after which questions are answered Yes, and after which a window is hung.
@@ -45,8 +44,8 @@ struct Random {
     int Below(int n) { return n <= 1 ? 0 : static_cast<int>(engine() % static_cast<uint64_t>(n)); }
     bool Chance(int percent) { return Below(100) < percent; }
     template <typename T>
-    T* Pick(const std::vector<T*>& items) {
-        return items[static_cast<size_t>(Below(static_cast<int>(items.size())))];
+    T* Pick(const std::vector<T*>& v) {
+        return v[static_cast<size_t>(Below(static_cast<int>(v.size())))];
     }
 };
 
@@ -91,7 +90,6 @@ struct Frame {
 class Driver {
   public:
     Driver(Random& random, SessionLog& log) : random_(random), log_(log) {
-        timer_.setInterval(0);
         QObject::connect(&timer_, &QTimer::timeout, [this] { Poll(); });
     }
 
@@ -114,7 +112,6 @@ class Driver {
             mayRefuse_.insert("frmLatch");
         if (latchEnd + 2 > (before.IsErased(14) ? 2048 : before.GetParamWord(14)))
             mayRefuse_.insert("frmAssistance");
-
         ::RKParam* object = RKParam_Create();
         RKParam_Let_szPcName(object, project.Cpu().c_str());
         RKParam_Let_ProjectName(object,
@@ -124,7 +121,7 @@ class Driver {
         RKParam_Let_blnSubEditing2(object, subEditing == 2);
         RKParam_Let_blnSubEditing3(object, subEditing == 3);
         int16_t result = -1;
-        timer_.start();
+        timer_.start(0);
         if (RKParam_Param_main(object, &result) != 0)
             log_.Fail(std::string("runtime error to the host: ") +
                       RKParam_ErrorDescription(object));
@@ -142,13 +139,11 @@ class Driver {
         ParameterImage after = project.ParamTmp();
         // An erased model name record (six bytes 255) comes back as the empty name once opened.
         static constexpr uint8_t kEmptyName[6] = {0xC4, 0xE6, 0xC4, 0xE6, 0xC4, 0xE6};
-        for (int record = 640; walk && record < 1024; record += 6) {
+        for (int record = 640; walk && record < 1024; record += 6)
             if (std::equal(kEmptyName, kEmptyName + 6, after.data() + record) &&
                 std::all_of(before.data() + record, before.data() + record + 6,
-                            [](uint8_t b) { return b == 255; })) {
+                            [](uint8_t b) { return b == 255; }))
                 std::fill_n(after.data() + record, 6, 255);
-            }
-        }
         if ((walk || !menuOk_ || result == 0) && after != before)
             log_.Fail(walk ? "OK without an edit changed param.tmp" : "param.tmp changed unsaved");
         // The workbooks the spreadsheet hand-over copies into the project stay there.
@@ -163,9 +158,8 @@ class Driver {
     void Poll() {
         QWidget* modal = QApplication::activeModalWidget();  // not while busy in its handler
         if (scheduled_ || aborted_ || modal == nullptr || !modal->isVisible() ||
-            std::ranges::count(acting_, &FrameOf(modal))) {
+            std::ranges::count(acting_, &FrameOf(modal)))
             return;
-        }
         Frame& f = FrameOf(modal);
         if (QApplication::activeWindow() != modal && ++f.activationPolls < 50) return;
         f.activationPolls = 50;
@@ -203,48 +197,38 @@ class Driver {
         return f;
     }
 
-    // The enabled and visible controls of type T of the window, in the order they were made.
     template <typename T>
     std::vector<T*> Usable(const Frame& f, const std::string& name = "") const {
         std::vector<T*> found;
         for (T* widget : f.window->findChildren<T*>()) {
             if (widget->window() == f.window && widget->isEnabled() &&
-                widget->isVisibleTo(f.window) && (name.empty() || Name(widget) == name)) {
+                widget->isVisibleTo(f.window) && (name.empty() || Name(widget) == name))
                 found.push_back(widget);
-            }
         }
         return found;
     }
 
-    QAbstractButton* Button(const Frame& f, const std::string& name,
-                            const std::string& or_ = "") const {
+    QAbstractButton* Button(const Frame& f, const std::string& name, std::string alt = "") const {
         auto found = Usable<QAbstractButton>(f, name);
-        if (found.empty() && !or_.empty()) found = Usable<QAbstractButton>(f, or_);
+        if (found.empty() && !alt.empty()) found = Usable<QAbstractButton>(f, alt);
         return found.empty() ? nullptr : found.front();
     }
-
     bool Gone(const Frame& f) const { return aborted_ || !f.window || !f.window->isVisible(); }
 
     void Click(Frame& f, QAbstractButton* button) {
-        log_.Note(f.name + ": click " + Name(button));
-        f.lastClicked = Name(button);
+        log_.Note(f.name + ": click " + (f.lastClicked = Name(button)));
         // A mouse click moves the focus to a button that takes it, before the click itself.
         if (button->focusPolicy() & Qt::ClickFocus) button->setFocus(Qt::MouseFocusReason);
         button->click();
     }
-
     // Presses a window's OK (or Close): it must close the window or show a message. The
     // network menu's OK stays open by design once it has opened its workbook beside it.
     void Confirm(Frame& f, QAbstractButton* ok) {
         const size_t shown = f.messages.size();
         Click(f, ok);
-        if (!Gone(f) && f.messages.size() == shown && !WorkbookWindows(false)) {
-            log_.Fail(f.path + ": " + f.lastClicked +
-                      " neither closed the window nor showed a message");
-        }
+        if (!Gone(f) && f.messages.size() == shown && !WorkbookWindows(false))
+            log_.Fail(f.path + ": " + f.lastClicked + " neither closed nor showed a message");
     }
-
-    // A key to the window's focus, typing text (a special key types its own).
     void Key(Frame& f, int key, const QString& text = {}) {
         QWidget* target = f.window->focusWidget();
         if (target == nullptr || target->window() != f.window) target = f.window;
@@ -254,24 +238,19 @@ class Driver {
         if (text.isEmpty()) return QTest::keyClick(target, Qt::Key(key), shift);
         QTest::sendKeyEvent(QTest::Click, target, Qt::Key(key), text, shift);
     }
-
-    // Cancel, Close or Escape; a window that does not close after many is hung.
     void Cancel(Frame& f) {
         if (++f.closeAttempts > kCloseAttempts) return Hang(f.path + " did not close");
         QAbstractButton* cancel = Button(f, "Cancel", "Close");
         cancel ? Click(f, cancel) : Key(f, Qt::Key_Escape);
     }
-
     void Hang(const std::string& why) {
         log_.Fail("hang: " + why);
         aborted_ = true;
-        // Close every window, innermost first, so that the run returns.
         for (int i = 0; i < 100 && qobject_cast<QDialog*>(QApplication::activeModalWidget()); ++i) {
             qobject_cast<QDialog*>(QApplication::activeModalWidget())->done(QDialog::Rejected);
             QApplication::processEvents();
         }
     }
-
     void Answer(Frame& f) {
         auto* box = static_cast<QMessageBox*>(f.window.data());
         const QVariant numbered = box->property("messageNumber");
@@ -283,13 +262,10 @@ class Driver {
         std::erase_if(buttons, [](QAbstractButton* button) { return !button->isEnabled(); });
         if (buttons.empty()) return Hang("message " + std::to_string(number) + " has no button");
         QAbstractButton* choice = random_.Pick(buttons);
-        for (const char* name : {"OK", "Yes"}) {  // Yes, else OK, when forced
-            for (QAbstractButton* button : buttons) {
-                if (Name(button) == name &&
-                    (walk_ || (f.parent && f.parent->closeAttempts > kForcedAnswersAfter)))
-                    choice = button;
-            }
-        }
+        const bool forced = walk_ || (f.parent && f.parent->closeAttempts > kForcedAnswersAfter);
+        for (const char* name : {"OK", "Yes"})  // Yes, else OK, when forced
+            for (QAbstractButton* button : buttons)
+                if (forced && Name(button) == name) choice = button;
         log_.Note("message " + std::to_string(number) + ": " + Name(choice));
         choice->click();
     }
@@ -300,15 +276,12 @@ class Driver {
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->objectName() != "frmSpreadsheet" || !window->isVisible()) continue;
             open = true;
-            if (auto* button = window->findChild<QPushButton*>("Close"); button && close) {
-                log_.Note("workbook window: click Close");
+            if (auto* button = window->findChild<QPushButton*>("Close"); button && close)
                 button->click();
-            }
         }
         return open;
     }
 
-    // Leaves the menu with OK, once, or else Cancel or Escape.
     void LeaveMenu(Frame& f, bool ok) {
         WorkbookWindows(true);
         if (f.closeAttempts++ == 0 && ok) {
@@ -317,30 +290,24 @@ class Driver {
         }
         walk_ || random_.Chance(80) ? Cancel(f) : Key(f, Qt::Key_Escape);
     }
-
     std::vector<QAbstractButton*> MenuItems(const Frame& f, int count) const {
         std::vector<QAbstractButton*> items;
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             if (QAbstractButton* item = Button(f, "MenuItem(" + std::to_string(i) + ")"))
                 items.push_back(item);
-        }
         return items;
     }
-
     void MenuRandom(Frame& f) {
         if (f.eventsLeft < 0) f.eventsLeft = 1 + random_.Below(8);
         if (f.eventsLeft-- == 0) return LeaveMenu(f, endWithOk_);
         if (random_.Chance(20)) WorkbookWindows(true);
         const auto items = MenuItems(f, 8);
-        if (items.empty() || !random_.Chance(85)) {
+        if (items.empty() || !random_.Chance(85))
             return Key(f, std::array{Qt::Key_Up, Qt::Key_Down, Qt::Key_Tab}[random_.Below(3)]);
-        }
         QAbstractButton* item = random_.Pick(items);
-        // Clear All wipes every setting: rarer than the dialogs.
         if (Name(item) == "MenuItem(7)" && !random_.Chance(40)) item = random_.Pick(items);
         Click(f, item);
     }
-
     // Opens every settings dialog, each again until an opening tries no new button, then OK.
     void MenuWalk(Frame& f) {
         const auto items = MenuItems(f, kWalkedMenuItems);
@@ -362,7 +329,6 @@ class Driver {
         ++f.closeAttempts;
         Key(f, Qt::Key_End);
     }
-
     void RandomEvent(Frame& f) {
         // End acts as OK, Escape as Cancel: rare, so that a dialog lives on.
         static const int kKeys[] = {
@@ -392,9 +358,8 @@ class Driver {
             closes(button) && Name(button) != "Cancel" ? Confirm(f, button) : Click(f, button);
         } else {
             std::vector<QWidget*> fields;  // a click into a text box or a combo box
-            for (QLineEdit* edit : Usable<QLineEdit>(f)) {
+            for (QLineEdit* edit : Usable<QLineEdit>(f))
                 if (!qobject_cast<QComboBox*>(edit->parentWidget())) fields.push_back(edit);
-            }
             for (QComboBox* combo : Usable<QComboBox>(f)) fields.push_back(combo);
             if (fields.empty()) return;
             QWidget* field = random_.Pick(fields);
@@ -428,10 +393,9 @@ class Driver {
         const size_t shown = f.messages.size();
         Confirm(f, ok);
         if (Gone(f) || f.messages.size() == shown) return;
-        if (f.messages[shown] != 8 || !mayRefuse_.contains(f.name)) {
-            log_.Fail(f.path + ": OK without an edit was refused with message " +
+        if (f.messages[shown] != 8 || !mayRefuse_.contains(f.name))
+            log_.Fail(f.path + ": OK without an edit refused, message " +
                       std::to_string(f.messages[shown]));
-        }
     }
 
     Random& random_;
@@ -462,11 +426,9 @@ void RunSession(SessionLog& log, uint64_t seed, long long index, const std::stri
     const int runs = 1 + random.Below(3);
     for (int i = 0; i < runs && log.failures.empty(); ++i) {
         const bool endWithOk = random.Chance(50), changed = random.Chance(30);
-        // Saved: walked with no sub program open (the memory dialog refuses one being edited
-        // that has no capacity).
-        if (driver.Run(project, subEditing, changed, false, endWithOk) && log.failures.empty()) {
+        // Saved: walked with no sub program open (one edited without capacity is refused).
+        if (driver.Run(project, subEditing, changed, false, endWithOk) && log.failures.empty())
             driver.Run(project, 0, false, true, true);
-        }
     }
 }
 
@@ -499,20 +461,19 @@ int main(int argc, char** argv) {
     const long long minutes = EnvNumber("GANTRIX_MONKEY_MINUTES", 0);
     const char* replay = std::getenv("GANTRIX_MONKEY_REPLAY");
     const bool replaying = replay != nullptr && *replay != '\0';
-    if (replaying && std::sscanf(replay, "%llu:%lld", &seed, &first) != 2) {
-        std::fprintf(stderr, "monkey: GANTRIX_MONKEY_REPLAY=%s is not SEED:SESSION\n", replay);
-        return 2;
-    }
-    // Replaying, one session; given minutes and no number of sessions, the time is the budget.
+    if (replaying && std::sscanf(replay, "%llu:%lld", &seed, &first) != 2)
+        return std::fprintf(stderr, "monkey: GANTRIX_MONKEY_REPLAY is not SEED:SESSION\n"), 2;
     if (replaying || (minutes > 0 && !std::getenv("GANTRIX_MONKEY_SESSIONS")))
         sessions = replaying ? 1 : 1LL << 40;
     const qint64 start = QDateTime::currentSecsSinceEpoch();
     long long done = 0, events = 0, failed = 0;
     for (long long i = first; i < first + sessions; ++i, ++done) {
         if (minutes > 0 && QDateTime::currentSecsSinceEpoch() - start >= minutes * 60) break;
-        const char* cpu = kCpuTypes[static_cast<size_t>(i) % std::size(kCpuTypes)];
+        const std::string cpu(
+            gantrix::platform::kCpuTypes[i % std::size(gantrix::platform::kCpuTypes)]);
         std::snprintf(g_dying, sizeof g_dying,
-                      "\n  replay: GANTRIX_MONKEY_REPLAY=%llu:%lld (CPU \"%s\")\n", seed, i, cpu);
+                      "\n  replay: GANTRIX_MONKEY_REPLAY=%llu:%lld (CPU \"%s\")\n", seed, i,
+                      cpu.c_str());
         SessionLog log{.verbose = replaying};
         RunSession(log, seed, i, cpu);
         events += static_cast<long long>(log.events.size());
