@@ -25,17 +25,13 @@ using test::TempProject;
 using Bytes = std::vector<uint8_t>;
 using Names = std::vector<std::string>;
 
-void PressEnd(QWidget* menu) {
-    PressKey(menu, Qt::Key_End);
-}
+const auto PressEnd = [](QWidget* menu) { PressKey(menu, Qt::Key_End); };
+const auto BytesOf = [](const ParameterImage& i) {
+    return Bytes(i.bytes().begin(), i.bytes().end());
+};
 
-Bytes BytesOf(const ParameterImage& image) {
-    return {image.bytes().begin(), image.bytes().end()};
-}
-
-// OK saves "param.tmp" with fresh check bytes in the file's mode and carries the network
-// working file (the spreadsheet's, not overwritten by the run) over; Cancel keeps both. The
-// working files go either way.
+// OK saves "param.tmp" with fresh check bytes in its mode and carries the spreadsheet's network
+// working file over; Cancel keeps both. The working files go either way.
 TEST(EntryCall, OkSavesAndCancelKeepsAndBothCleanUp) {
     for (const bool ok : {true, false}) {
         SCOPED_TRACE(ok ? "OK" : "Cancel");
@@ -50,15 +46,13 @@ TEST(EntryCall, OkSavesAndCancelKeepsAndBothCleanUp) {
         // Temporary files a killed writer left (".<name>.<pid>.<n>.part") go; others stay.
         for (const char* name :
              {"temp.dat", "param.net", ".param.tmp.4242.0.part", ".netpara.$$$.77.13.part",
-              "notes.part", ".notes.part", ".a.b.1.part"}) {
+              "notes.part", ".notes.part", ".a.b.1.part"})
             project.Write(name, {});
-        }
         ModalDriver driver;
         std::vector<bool> enabled;
         driver.On("frmMenu", [&](QWidget* menu) {
-            for (int i = 0; i < 8; ++i) {
+            for (int i = 0; i < 8; ++i)
                 enabled.push_back(test::Child(menu, QString("MenuItem(%1)").arg(i))->isEnabled());
-            }
             PressKey(ok ? menu : test::Child(menu, "Cancel"), ok ? Qt::Key_End : Qt::Key_Return);
         });
         const test::RunOutcome run = test::RunParameterMode(project, driver, !ok);
@@ -69,9 +63,8 @@ TEST(EntryCall, OkSavesAndCancelKeepsAndBothCleanUp) {
         EXPECT_EQ(project.Read("netpara.tmp"), (ok ? Bytes{4, 5} : Bytes{1, 2, 3}));
         EXPECT_EQ(project.List(),
                   (Names{".a.b.1.part", ".notes.part", "netpara.tmp", "notes.part", "param.tmp"}));
-        struct stat info {};
-        ::stat(project.File("param.tmp").c_str(), &info);
-        EXPECT_EQ(info.st_mode & 0777, 0640u);
+        EXPECT_EQ(std::filesystem::status(project.File("param.tmp")).permissions(),
+                  std::filesystem::perms(0640));
         // The smallest CPU has no timer/counter, I/O assignment or network settings.
         EXPECT_EQ(enabled,
                   (ok ? std::vector<bool>(8, true)
@@ -79,8 +72,8 @@ TEST(EntryCall, OkSavesAndCancelKeepsAndBothCleanUp) {
     }
 }
 
-// Clear All asks (12), writes the defaults to the working files and says so (10); the
-// network working file goes, so a saved run drops "netpara.tmp". Cancel after it asks (1).
+// Clear All asks (12), writes the defaults and says so (10), dropping the network working file;
+// Cancel after it asks (1).
 TEST(EntryCall, ClearAllThenOkSavesTheDefaultsAndCancelAsksFirst) {
     for (const bool ok : {true, false}) {
         SCOPED_TRACE(ok ? "OK" : "Cancel");
@@ -96,17 +89,15 @@ TEST(EntryCall, ClearAllThenOkSavesTheDefaultsAndCancelAsksFirst) {
                 [](QWidget* menu) { PressKey(test::Child(menu, "MenuItem(7)"), Qt::Key_Return); })
             .Message(12, "Yes")
             .Message(10, "OK");
-        if (ok) {
-            driver.On("frmMenu", PressEnd);
-        } else {
-            const auto cancel = [](QWidget* menu) {
-                PressKey(test::Child(menu, "Cancel"), Qt::Key_Return);
-            };
+        const auto cancel = [](QWidget* menu) {
+            PressKey(test::Child(menu, "Cancel"), Qt::Key_Return);
+        };
+        if (ok) driver.On("frmMenu", PressEnd);
+        if (!ok)
             driver.On("frmMenu", cancel)
                 .Message(1, "Enter")
                 .On("frmMenu", cancel)
                 .Message(1, "Yes");
-        }
         const test::RunOutcome run = test::RunParameterMode(project, driver);
         EXPECT_EQ(run.result, ok ? 1 : 0);
         EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), ok ? test::DefaultImage("A2A") : edited),
@@ -115,8 +106,6 @@ TEST(EntryCall, ClearAllThenOkSavesTheDefaultsAndCancelAsksFirst) {
     }
 }
 
-// OK refused by a check of the menu keeps the menu open. The end positions come from the
-// host's programs; a refused total memory keeps the request to save.
 TEST(EntryCall, OkRefusedByTheMenusChecksKeepsTheMenu) {
     // clang-format off
     const struct { const char* cpu; std::vector<std::pair<int, int>> words; const char* programEnd; int message, result; } cases[] = {
@@ -139,16 +128,15 @@ TEST(EntryCall, OkRefusedByTheMenusChecksKeepsTheMenu) {
 
 std::map<std::string, std::vector<uint8_t>> Snapshot(const test::TempDir& dir) {
     std::map<std::string, std::vector<uint8_t>> files;
-    for (const std::string& name : dir.List()) {
-        struct stat info {};
-        const bool regular = ::lstat(dir.File(name).c_str(), &info) == 0 && S_ISREG(info.st_mode);
-        files[name] = regular ? dir.Read(name) : std::vector<uint8_t>{};
-    }
+    for (const std::string& name : dir.List())
+        files[name] =
+            std::filesystem::is_regular_file(std::filesystem::symlink_status(dir.File(name)))
+                ? dir.Read(name)
+                : Bytes{};
     return files;
 }
 
 TEST(EntryCall, AProjectThatCannotBeLoadedWholeOrIsInUseIsRefusedUntouched) {
-    // Each case spoils the project's "param.tmp"; what it returns is kept for the run.
     using Spoil = std::function<std::shared_ptr<void>(const TempProject&, const char* file)>;
     // clang-format off
     const struct { const char* what; Spoil spoil; const char* reason; } cases[] = {
@@ -186,16 +174,13 @@ TEST(EntryCall, AProjectThatCannotBeLoadedWholeOrIsInUseIsRefusedUntouched) {
     }
 }
 
-// "param.tmp" under another spelling or as a link is saved where it is, and the temporary
-// file of the save is gone from beside the target.
+// Saved where it lies (param.tmp links to it when it differs), the save's temporary file gone.
 TEST(EntryCall, ParamTmpIsSavedUnderItsOwnSpellingAndThroughItsLink) {
     const struct {
-        const char* stored;  // where the image lies; "param.tmp" links to it when it differs
+        const char* stored;
         std::vector<std::string> tree;
-    } cases[] = {
-        {"PARAM.TMP", {"PARAM.TMP"}},
-        {"store/line1.prm", {"param.tmp", "store", "store/line1.prm"}},
-    };
+    } cases[] = {{"PARAM.TMP", {"PARAM.TMP"}},
+                 {"store/line1.prm", {"param.tmp", "store", "store/line1.prm"}}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.stored);
         TempProject project("A3 ");
@@ -203,21 +188,19 @@ TEST(EntryCall, ParamTmpIsSavedUnderItsOwnSpellingAndThroughItsLink) {
         image[300] = 6;
         image[525] ^= 0xFF;
         ::unlink(project.File("param.tmp").c_str());
-        const std::string stored = c.stored;
         const bool linked = c.tree.size() > 1;
         if (linked) {
             ::mkdir(project.File("store").c_str(), 0755);
             ::symlink(c.stored, project.File("param.tmp").c_str());
         }
-        project.Write(stored, BytesOf(image));
+        project.Write(c.stored, BytesOf(image));
         ModalDriver driver;
         driver.On("frmMenu", PressEnd);
         EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
-        EXPECT_EQ(project.Read(stored), BytesOf(test::SavedWith(image, "A3 ", {})));
+        EXPECT_EQ(project.Read(c.stored), BytesOf(test::SavedWith(image, "A3 ", {})));
         std::vector<std::string> tree;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(project.Path())) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(project.Path()))
             tree.push_back(entry.path().lexically_relative(project.Path()).string());
-        }
         std::sort(tree.begin(), tree.end());
         EXPECT_EQ(tree, c.tree);
         EXPECT_EQ(std::filesystem::is_symlink(project.File("param.tmp")), linked);
@@ -228,8 +211,7 @@ TEST(EntryCall, AnEmptyProjectNameIsAnErrorThatTouchesNothing) {
     ::RKParam* object = RKParam_Create();
     RKParam_Let_szPcName(object, "A3 ");
     RKParam_Let_ProjectName(object, "");
-    // A menu that opened (on the root directory) is closed after a while instead of waiting.
-    QObject guard;
+    QObject guard;  // a menu that opened (on the root directory) is closed after a while
     QTimer::singleShot(5000, &guard, [] {
         if (auto* menu = qobject_cast<QDialog*>(QApplication::activeModalWidget())) menu->done(0);
     });

@@ -1,9 +1,6 @@
-// A run of the parameter mode under failing file calls and kills: each file call of an OK run
-// fails in turn (EIO, then ENOSPC), or the process is SIGKILLed at it. After each,
-// "param.tmp" is whole, old or new as the run reported, nothing temporary is left, and the
-// next run works. Also two runs on one project at once. The program is its own child:
-// "--fault-child DIR [READY GO]" makes one OK run (waiting at the open menu for GO when
-// given), exiting with 0 when it saved; its fault plan is in its environment.
+// OK runs of the parameter mode with each file call failing in turn, or SIGKILLed at it, and
+// two runs at once. The program is its own child: "--fault-child DIR [READY GO]" makes one OK
+// run (waiting at the menu for GO when given), exiting 0 when saved; its plan is in its env.
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -11,7 +8,6 @@
 
 #include <QApplication>
 #include <QDialog>
-#include <QElapsedTimer>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -45,7 +41,6 @@ struct RunOutcome {
     std::string error;               // RKParam_ErrorDescription
     std::vector<std::string> boxes;  // the texts of the message boxes, in order
     bool menuShown = false, timedOut = false;
-
     bool Saved() const { return status == 0 && result == 1; }
     std::string Messages() const {
         std::string text = error;
@@ -62,21 +57,17 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
     RKParam_Let_szPcName(object, kCpu);
     RKParam_Let_ProjectName(object, dir.c_str());
     QPointer<QWidget> handled;  // the modal window last acted on
-    int menuActions = 0;
-    QElapsedTimer clock;
-    clock.start();
+    int menuActions = 0, polls = 0;
     QTimer poll;
-    poll.setInterval(2);
     QObject::connect(&poll, &QTimer::timeout, [&] {
         QWidget* modal = QApplication::activeModalWidget();
-        if (clock.elapsed() > 20000 && qobject_cast<QDialog*>(modal)) {
+        if (++polls > 10000 && qobject_cast<QDialog*>(modal)) {  // 20 s at the least
             outcome.timedOut = true;
             return qobject_cast<QDialog*>(modal)->done(QDialog::Rejected);
         }
         if (modal == nullptr || !modal->isVisible() || modal == handled) return;
         handled = modal;
-        // Queued, so that a modal loop the action opens does not run inside this poll.
-        QTimer::singleShot(0, [&, target = QPointer<QWidget>(modal)] {
+        QTimer::singleShot(0, [&, target = QPointer<QWidget>(modal)] {  // outside this poll
             if (auto* box = qobject_cast<QMessageBox*>(target.data())) {
                 outcome.boxes.push_back(box->text().toStdString());
                 auto* button = box->findChild<QPushButton*>("OK");
@@ -90,7 +81,7 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
             }
         });
     });
-    poll.start();
+    poll.start(2);
     outcome.status = RKParam_Param_main(object, &outcome.result);
     poll.stop();
     outcome.error = RKParam_ErrorDescription(object);
@@ -98,12 +89,11 @@ RunOutcome RunWithOk(const std::string& dir, const std::function<void()>& whileM
     return outcome;
 }
 
-// A project whose OK run rewrites "param.tmp" (its check bytes are stale), carries
-// "netpara.tmp" over, and removes a working file left from before.
+// A project whose OK run rewrites "param.tmp" (stale check bytes), carries "netpara.tmp" over
+// and removes a working file left from before.
 struct Scenario {
     TempProject project{kCpu};
     std::vector<uint8_t> before;
-
     Scenario() {
         ParameterImage image = project.ParamTmp();
         image[300] = 7;
@@ -113,15 +103,14 @@ struct Scenario {
         project.Write("temp.dat", {9});
         before = project.Read("param.tmp");
     }
-    // The directory as the fault plan takes it, without its "/".
     std::string Dir() const { return project.Path().substr(0, project.Path().size() - 1); }
 };
 
-// What a fault-free OK run of the scenario does.
+// What a fault-free OK run of the scenario does: its calls, "param.tmp" and files after it.
 struct Reference {
     std::vector<Call> calls;
-    std::vector<uint8_t> intended;     // "param.tmp" after the save
-    std::vector<std::string> listing;  // the project's files after the run
+    std::vector<uint8_t> intended;
+    std::vector<std::string> listing;
 };
 
 const Reference& TheReference() {
@@ -131,8 +120,7 @@ const Reference& TheReference() {
         faults::Arm({.dir = scenario.Dir()});
         const RunOutcome outcome = RunWithOk(scenario.project.Path());
         r.calls = faults::Disarm();
-        EXPECT_TRUE(outcome.Saved()) << outcome.Messages();
-        EXPECT_EQ(outcome.Messages(), "");
+        EXPECT_TRUE(outcome.Saved() && outcome.Messages().empty()) << outcome.Messages();
         r.intended = scenario.project.Read("param.tmp");
         EXPECT_NE(r.intended, scenario.before);
         r.listing = scenario.project.List();
@@ -141,14 +129,7 @@ const Reference& TheReference() {
     return reference;
 }
 
-std::map<std::string, std::vector<uint8_t>> Snapshot(const TempDir& dir) {
-    std::map<std::string, std::vector<uint8_t>> files;
-    for (const std::string& name : dir.List()) files[name] = dir.Read(name);
-    return files;
-}
-
-// The file a call was about, as a report names it: the file a temporary
-// ".<name>.<pid>.<n>.part" was to replace, a directory without its final "/".
+// The file a call was about as a report names it: for a ".<name>.<pid>.<n>.part" its target.
 std::string NamedFile(const Call& call) {
     std::string path = call.path;
     if (path.ends_with('/')) path.pop_back();
@@ -161,9 +142,8 @@ std::string NamedFile(const Call& call) {
     return path.substr(0, slash + 1) + name;
 }
 
-// After a run whose call failed: "param.tmp" old or new as reported, nothing temporary left
-// but a file whose own removal failed, and any difference from a clean run reported naming
-// the file.
+// After a failed call: "param.tmp" old or new as reported, nothing temporary left but a file
+// whose own removal failed, and any difference from a clean run reported naming the file.
 void ExpectSafeAfter(const Scenario& scenario, const RunOutcome& outcome, const Call& failed) {
     const Reference& reference = TheReference();
     const auto after = scenario.project.Read("param.tmp");
@@ -172,29 +152,25 @@ void ExpectSafeAfter(const Scenario& scenario, const RunOutcome& outcome, const 
     EXPECT_EQ(outcome.Saved(), after == reference.intended) << outcome.Messages();
     EXPECT_EQ(scenario.project.Read("netpara.tmp"), (std::vector<uint8_t>{1, 2, 3}));
 
-    if (!outcome.menuShown) {
-        // A run ended before its menu is reported once: a runtime error to the host, or one
-        // message that is also the run's error description.
-        const bool oneBox = outcome.boxes.size() == 1 && outcome.error == outcome.boxes[0];
-        EXPECT_TRUE(outcome.status == 0 ? oneBox : outcome.boxes.empty()) << outcome.Messages();
-    }
-    // A file may stay when its own removal failed; the lock file when any call on it did (a
-    // run cannot tell whether a lock file it failed to lock is another run's), needing no word
-    // when its removal failed: the next run takes it over.
+    // Ended before the menu: reported once, a runtime error or one box also the description.
+    const bool oneBox = outcome.boxes.size() == 1 && outcome.error == outcome.boxes[0];
+    EXPECT_TRUE(outcome.menuShown || (outcome.status == 0 ? oneBox : outcome.boxes.empty()))
+        << outcome.Messages();
+    // A file may stay when its removal failed; the lock file when any call on it did (it may be
+    // another run's), silently when its removal failed: the next run takes it over.
     const std::string failedName = failed.path.substr(failed.path.rfind('/') + 1);
     const bool mayStay = failed.op == "unlink" || failedName == ".param.lock";
     std::vector<std::string> listing = scenario.project.List();
     const bool leftOver = mayStay && std::erase(listing, failedName) > 0;
-    for (const std::string& name : listing) {
+    for (const std::string& name : listing)
         EXPECT_TRUE(name == "param.tmp" || name == "netpara.tmp" ||
                     (name == "temp.dat" && !outcome.menuShown))
             << "left behind: " << name;
-    }
     const bool reportable = leftOver && !(failed.op == "unlink" && failedName == ".param.lock");
     if (!outcome.Saved() || !outcome.Messages().empty() || reportable ||
         listing != reference.listing) {
         EXPECT_NE(outcome.Messages().find(NamedFile(failed)), std::string::npos)
-            << "the report does not name " << NamedFile(failed) << ":\n"
+            << NamedFile(failed) << " unnamed in:\n"
             << outcome.Messages();
     }
 }
@@ -219,13 +195,10 @@ TEST(FailingFileCalls, EachCallOfAnOkRunFailingKeepsParamTmpWholeAndTheReportTru
             if (HasFailure()) return;  // one account is enough
         }
     }
-    // The failures fell before and after the save's commit.
     EXPECT_GT(saved, 0);
     EXPECT_GT(notSaved, 0);
 }
 
-// A child run of this program on the scenario with the fault plan added to its environment;
-// its wait status (SIGALRM when it did not end within a minute).
 int RunChild(const Scenario& scenario, const std::vector<std::string>& plan,
              const std::vector<std::string>& hold = {}) {
     std::vector<std::string> args{"fault_tests", "--fault-child", scenario.project.Path()};
@@ -233,10 +206,10 @@ int RunChild(const Scenario& scenario, const std::vector<std::string>& plan,
     std::vector<std::string> env = plan;  // ahead of the inherited entries, so they win
     for (char** e = environ; *e != nullptr; ++e) env.emplace_back(*e);
     std::vector<char*> argv, envp;
-    for (auto& a : args) argv.push_back(a.data());
-    for (auto& e : env) envp.push_back(e.data());
-    argv.push_back(nullptr);
-    envp.push_back(nullptr);
+    for (auto [from, to] : {std::pair{&args, &argv}, {&env, &envp}}) {
+        for (auto& text : *from) to->push_back(text.data());
+        to->push_back(nullptr);
+    }
     const pid_t pid = ::fork();
     if (pid == 0) {
         ::alarm(60);
@@ -262,10 +235,8 @@ TEST(KilledRuns, AKillAtEachFileCallLeavesParamTmpWholeAndTheNextRunWorks) {
         const auto after = scenario.project.Read("param.tmp");
         EXPECT_TRUE(after == scenario.before || after == reference.intended);
         (after == scenario.before ? oldKept : newKept)++;
-
         const RunOutcome next = RunWithOk(scenario.project.Path());
-        EXPECT_TRUE(next.Saved()) << next.Messages();
-        EXPECT_EQ(next.Messages(), "");
+        EXPECT_TRUE(next.Saved() && next.Messages().empty()) << next.Messages();
         EXPECT_EQ(scenario.project.Read("param.tmp"), reference.intended);
         EXPECT_EQ(scenario.project.List(), reference.listing);
         if (HasFailure()) return;
@@ -282,21 +253,22 @@ TEST(TwoRuns, TheSecondIsRefusedWithoutTouchingAFileAndTheFirstSaves) {
     std::thread first([&] {
         status = RunChild(scenario, {}, {work.File("ready"), work.File("go")});
     });
-    for (int i = 0; i < 3000 && !work.Exists("ready"); ++i) {
+    for (int i = 0; i < 3000 && !work.Exists("ready"); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
     EXPECT_TRUE(work.Exists("ready"));
-    const auto files = Snapshot(scenario.project);  // the first run's working files among them
-
+    const auto snapshot = [&] {  // the first run's working files among them
+        std::map<std::string, std::vector<uint8_t>> files;
+        for (const std::string& name : scenario.project.List())
+            files[name] = scenario.project.Read(name);
+        return files;
+    };
+    const auto files = snapshot();
     const RunOutcome second = RunWithOk(scenario.project.Path());
-    EXPECT_EQ(second.status, 0);
-    EXPECT_EQ(second.result, 0);
-    EXPECT_FALSE(second.menuShown);
+    EXPECT_TRUE(second.status == 0 && second.result == 0 && !second.menuShown);
     ASSERT_EQ(second.boxes.size(), 1u);
     EXPECT_NE(second.boxes[0].find("in use by another run"), std::string::npos) << second.boxes[0];
     EXPECT_EQ(second.error, second.boxes[0]);
-    EXPECT_EQ(Snapshot(scenario.project), files);
-
+    EXPECT_EQ(snapshot(), files);
     work.Write("go", {});
     first.join();
     ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;  // saved
@@ -304,21 +276,16 @@ TEST(TwoRuns, TheSecondIsRefusedWithoutTouchingAFileAndTheFirstSaves) {
     EXPECT_EQ(scenario.project.List(), reference.listing);
 }
 
-// The child's side: one run, saved or not.
 int ChildMain(int argc, char** argv) {
     QApplication app(argc, argv);
     EnsureApplication();
-    return RunWithOk(
-               argv[2],
-               [&] {
-                   if (argc < 5) return;
-                   std::ofstream{argv[3]};
-                   for (int i = 0; i < 6000 && !std::filesystem::exists(argv[4]); ++i) {
-                       std::this_thread::sleep_for(std::chrono::milliseconds(10));
-                   }
-               }).Saved()
-               ? 0
-               : 1;
+    const auto hold = [&] {
+        if (argc < 5) return;
+        std::ofstream{argv[3]};
+        for (int i = 0; i < 6000 && !std::filesystem::exists(argv[4]); ++i)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    };
+    return RunWithOk(argv[2], hold).Saved() ? 0 : 1;
 }
 
 }  // namespace
@@ -326,14 +293,11 @@ int ChildMain(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (argc >= 3 && std::strcmp(argv[1], "--fault-child") == 0) {
+    if (argc >= 3 && std::strcmp(argv[1], "--fault-child") == 0)
         return gantrix::ChildMain(argc, argv);
-    }
-    // Every run syncs its files several times: in memory the thousands of runs here take
-    // seconds, on a disk minutes.
-    if (std::getenv("TMPDIR") == nullptr && ::access("/dev/shm", W_OK) == 0) {
+    // The thousands of runs sync often: seconds in memory, minutes on a disk.
+    if (std::getenv("TMPDIR") == nullptr && ::access("/dev/shm", W_OK) == 0)
         ::setenv("TMPDIR", "/dev/shm", 1);
-    }
     QApplication app(argc, argv);
     gantrix::EnsureApplication();
     ::testing::InitGoogleTest(&argc, argv);

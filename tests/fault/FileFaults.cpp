@@ -41,8 +41,7 @@ bool Under(const char* path) {
            (path[dir.size()] == '/' || path[dir.size()] == '\0');
 }
 
-// Numbers a call on path; true when it is to fail (errno set). Does not return when the
-// plan kills.
+// Numbers a call on path; true when it is to fail (errno set).
 bool Hit(const char* op, const std::string& path) {
     if (path.empty() || !S().armed.load()) return false;
     std::lock_guard<std::mutex> guard(S().mutex);
@@ -57,12 +56,7 @@ bool Hit(const char* op, const std::string& path) {
     return true;
 }
 
-bool HitPath(const char* op, const char* path) {
-    return Under(path) && Hit(op, path);
-}
-
-// The path a descriptor or stream was opened on ("" for one not numbered), forgotten with
-// forget.
+// The path a descriptor or stream was opened on ("" for one not numbered).
 template <typename Key>
 std::string PathOf(std::map<Key, std::string>& paths, Key key, bool forget = false) {
     std::lock_guard<std::mutex> guard(S().mutex);
@@ -80,10 +74,6 @@ void Track(std::map<Key, std::string>& paths, Key key, const char* path) {
     paths[key] = path;
 }
 
-bool HitFd(const char* op, int fd) {
-    return S().armed.load() && Hit(op, PathOf(S().fds, fd));
-}
-
 // A close that fails has still released the descriptor or stream.
 template <typename Real, typename Key>
 int Close(Real real, const char* op, std::map<Key, std::string>& paths, Key key) {
@@ -95,8 +85,7 @@ int Close(Real real, const char* op, std::map<Key, std::string>& paths, Key key)
 }
 
 const char* Env(const char* name) {
-    const char* value = std::getenv(name);
-    return value ? value : "";
+    return std::getenv(name) ? std::getenv(name) : "";
 }
 
 __attribute__((constructor)) void ArmFromEnvironment() {
@@ -136,8 +125,7 @@ std::vector<Call> Disarm() {
 
 using namespace gantrix::faults;
 
-// The C library's functions, numbered. Each declaration matches the C library's (noexcept
-// where it declares __THROW).
+// Each declaration matches the C library's (noexcept where it declares __THROW).
 extern "C" {
 
 #define GANTRIX_REAL(name) \
@@ -145,24 +133,24 @@ extern "C" {
 #define GANTRIX_WRAP(type, name, params, spec, hit, args) \
     type name params spec {                               \
         GANTRIX_REAL(name);                               \
-        if (hit) return -1;                               \
-        return real args;                                 \
+        return hit ? -1 : real args;                      \
     }
+#define GANTRIX_FD(type, name, params, spec, args)                                              \
+    GANTRIX_WRAP(type, name, params, spec, S().armed.load() && Hit(#name, PathOf(S().fds, fd)), \
+                 args)
+#define GANTRIX_PATH(name, params, args) \
+    GANTRIX_WRAP(int, name, params, noexcept, Under(path) && Hit(#name, path), args)
 
-GANTRIX_WRAP(ssize_t, read, (int fd, void* data, size_t size), , HitFd("read", fd),
-             (fd, data, size))
-GANTRIX_WRAP(ssize_t, write, (int fd, const void* data, size_t size), , HitFd("write", fd),
-             (fd, data, size))
-GANTRIX_WRAP(int, fsync, (int fd), , HitFd("fsync", fd), (fd))
-GANTRIX_WRAP(int, fdatasync, (int fd), , HitFd("fdatasync", fd), (fd))
-GANTRIX_WRAP(int, fchmod, (int fd, mode_t mode), noexcept, HitFd("fchmod", fd), (fd, mode))
-GANTRIX_WRAP(int, fstat, (int fd, struct stat* info), noexcept, HitFd("fstat", fd), (fd, info))
-GANTRIX_WRAP(int, flock, (int fd, int operation), noexcept, HitFd("flock", fd), (fd, operation))
-GANTRIX_WRAP(int, stat, (const char* path, struct stat* info), noexcept, HitPath("stat", path),
-             (path, info))
-GANTRIX_WRAP(int, lstat, (const char* path, struct stat* info), noexcept, HitPath("lstat", path),
-             (path, info))
-GANTRIX_WRAP(int, unlink, (const char* path), noexcept, HitPath("unlink", path), (path))
+GANTRIX_FD(ssize_t, read, (int fd, void* data, size_t size), , (fd, data, size))
+GANTRIX_FD(ssize_t, write, (int fd, const void* data, size_t size), , (fd, data, size))
+GANTRIX_FD(int, fsync, (int fd), , (fd))
+GANTRIX_FD(int, fdatasync, (int fd), , (fd))
+GANTRIX_FD(int, fchmod, (int fd, mode_t mode), noexcept, (fd, mode))
+GANTRIX_FD(int, fstat, (int fd, struct stat* info), noexcept, (fd, info))
+GANTRIX_FD(int, flock, (int fd, int operation), noexcept, (fd, operation))
+GANTRIX_PATH(stat, (const char* path, struct stat* info), (path, info))
+GANTRIX_PATH(lstat, (const char* path, struct stat* info), (path, info))
+GANTRIX_PATH(unlink, (const char* path), (path))
 GANTRIX_WRAP(int, rename, (const char* from, const char* to), noexcept,
              (Under(from) || Under(to)) && Hit("rename", to), (from, to))
 
@@ -175,7 +163,7 @@ int open(const char* path, int flags, ...) {
         mode = static_cast<mode_t>(va_arg(args, int));
         va_end(args);
     }
-    if (HitPath("open", path)) return -1;
+    if (Under(path) && Hit("open", path)) return -1;
     const int fd = real(path, flags, mode);
     if (fd >= 0) Track(S().fds, fd, path);
     return fd;
@@ -188,7 +176,7 @@ int close(int fd) {
 
 DIR* opendir(const char* path) {
     GANTRIX_REAL(opendir);
-    if (HitPath("opendir", path)) return nullptr;
+    if (Under(path) && Hit("opendir", path)) return nullptr;
     DIR* dir = real(path);
     if (dir != nullptr) Track(S().dirs, dir, path);
     return dir;

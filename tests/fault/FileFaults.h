@@ -1,12 +1,9 @@
 #pragma once
-// Fault injection for the file calls on one directory's files: FileFaults.cpp defines open,
-// read, write, rename, unlink, stat, ... over the C library's, for the whole process when
-// linked into a program, or under LD_PRELOAD when built as a module. Calls on paths under
-// the armed directory, and on descriptors and DIR streams opened there, are numbered from
-// 1; the at-th of those matching the plan's operation and name fails without being done
-// (errno set; a close still closes), or SIGKILLs the process first. A process whose
-// environment has GANTRIX_FAULT_DIR is armed before main from GANTRIX_FAULT_DIR, _AT,
-// _ERRNO ("EIO", "ENOSPC" or a number), _KILL=1, _OP and _NAME.
+// Fault injection over the C library's file calls (linked in, or under LD_PRELOAD): calls on
+// paths under the armed directory, and on descriptors and DIR streams opened there, are
+// numbered from 1; the at-th matching the plan fails undone (errno set; a close still closes)
+// or SIGKILLs first. GANTRIX_FAULT_DIR in the environment arms before main, with _AT, _ERRNO
+// ("EIO", "ENOSPC" or a number), _KILL=1, _OP and _NAME.
 
 #include <string>
 #include <vector>

@@ -17,8 +17,7 @@ struct Shown {
     std::set<std::string> painted;  // the keys of the controls painted yellow
 };
 
-// Opens the dialog on image as the menu would, presses End (OK), and notes the messages and
-// the painted controls; a dialog that stays open is closed with Cancel.
+// Opens the dialog on image as the menu would and presses End (OK); Cancel if it stays open.
 Shown OpenAndPressOk(const std::string& cpu, const ParameterImage& image, headless::Page& page) {
     test::TempDir project;  // the I/O assignment takes the run's working file first
     project.Write("param.$$$", {image.bytes().begin(), image.bytes().end()});
@@ -32,9 +31,8 @@ Shown OpenAndPressOk(const std::string& cpu, const ParameterImage& image, headle
         test::PressKey(dialog, Qt::Key_End);
         for (int c = 0; c <= kMaxControlNo; ++c) {
             QWidget* control = ControlOfNumber(c);
-            if (control != nullptr && control->window() == dialog && HasErrorColor(control)) {
+            if (control != nullptr && control->window() == dialog && HasErrorColor(control))
                 shown.painted.insert(page.KeyOfControl(ControlNameOf(c).control));
-            }
         }
         if (dialog->isVisible()) test::PressKey(test::Child(dialog, "Cancel"), Qt::Key_Return);
     });
@@ -44,7 +42,6 @@ Shown OpenAndPressOk(const std::string& cpu, const ParameterImage& image, headle
 }
 
 TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
-    // Plausible numbers in the words of the dialogs: some pass, some do not.
     static const int kWords[] = {18,  20,  22,  24,  36,  48,  64,   68,   70,   160,
                                  176, 192, 194, 196, 198, 210, 534,  2304, 2306, 2312,
                                  142, 143, 158, 384, 386, 212, 2434, 14,   56,   72};
@@ -54,10 +51,9 @@ TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
     for (const char* cpu : {"A0J", "A2C", "A3 ", "A3U"}) {
         for (int n = 0; n < 3; ++n) {
             ParameterImage image = test::DefaultImage(cpu);
-            for (int k = 0; k < 4; ++k) {
+            for (int k = 0; k < 4; ++k)
                 image.SetParamWord(kValues[random() % std::size(kValues)],
                                    kWords[random() % std::size(kWords)]);
-            }
             const DialogContext context = headless::HeadlessContext(cpu);
             const auto found = headless::Check(image, context);
             for (const auto& page : headless::PagesFor(context)) {
@@ -78,7 +74,6 @@ TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
     EXPECT_GT(failing, 5);  // the corpus has dialogs that refuse as well as ones that pass
 }
 
-// Set writes the bytes the dialog's OK writes for what is typed, with the save's check bytes.
 TEST(HeadlessSetForm, WritesTheBytesTheDialogsOkWrites) {
     // clang-format off
     const struct { const char* cpu; const char* form; const char* control; const char* typed; const char* key; } cases[] = {

@@ -1,10 +1,7 @@
-// The monkey: seeded random sessions of the parameter mode through the C interface, on a
-// project of one CPU type (sometimes with END positions of its programs or a sub program open
-// in the host): random keys and clicks to whatever modal window is active, the menu left with
-// OK or Cancel. After every run: a run that did not save leaves "param.tmp" and the host's
-// change flag as they were, a save sets the flag, no working file stays behind, a saved file
-// taken again through every dialog with OK and no edit does not change by a byte, a dialog's
-// OK closes it or shows a message, nothing hangs, no runtime error reaches host or user.
+// Seeded random sessions of the parameter mode through the C interface, each run checked:
+// nothing saved leaves "param.tmp" and the change flag alone, a save sets the flag, no working
+// file stays, a saved file walked through every dialog with OK and no edit keeps every byte, a
+// dialog's OK closes it or shows a message, nothing hangs, no runtime error reaches anyone.
 //   GANTRIX_MONKEY_SEED=S  GANTRIX_MONKEY_SESSIONS=N  GANTRIX_MONKEY_MINUTES=M (a time budget)
 //   GANTRIX_MONKEY_REPLAY=S:I (only session I of seed S, printing every event)
 
@@ -22,7 +19,6 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
-#include <QToolButton>
 #include <csignal>
 #include <cstring>
 #include <deque>
@@ -31,42 +27,31 @@
 
 #include "entry/GantrixA0J.h"
 #include "entry/RKParam.h"
+#include "platform/rkcmnt/DeviceTable.h"
 #include "support/core/TestSupport.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#include <sanitizer/common_interface_defs.h>
-#endif
 
 namespace gantrix::monkey {
 namespace {
 
-const char* const kCpuTypes[] = {"A0J", "A0H", "A1S", "A1 ", "A2C", "A2 ", "A3 ",
-                                 "A3H", "A2A", "A3A", "A2U", "A3U", "A4U"};
-constexpr int kDefaultSessions = 156;  // about 20 s on one core in the release build
-// No action for this long: product code loops or blocks, or a window stopped answering.
-constexpr unsigned kWatchdogSeconds = 120;
-// Close attempts after which questions are answered Yes so that Cancel gets through, and
-// after which a window still open counts as hung.
+constexpr int kDefaultSessions = 156;       // about 20 s on one core in the release build
+constexpr unsigned kWatchdogSeconds = 120;  // no action for this long is a hang
+// Close attempts after which questions are answered Yes, and after which a window is hung.
 constexpr int kForcedAnswersAfter = 8, kCloseAttempts = 40;
-// The walk opens the settings dialogs: 5 and 6 hand over to other programs, and 7 (Clear
-// All) changes the image by design.
-constexpr int kWalkedMenuItems = 5;
+constexpr int kWalkedMenuItems = 5;  // the settings dialogs; 5 to 7 hand over or clear
 
-// The engine is fully specified by the standard: the same draws everywhere.
 struct Random {
     std::mt19937_64 engine;
     int Below(int n) { return n <= 1 ? 0 : static_cast<int>(engine() % static_cast<uint64_t>(n)); }
     bool Chance(int percent) { return Below(100) < percent; }
     template <typename T>
-    T* Pick(const std::vector<T*>& items) {
-        return items[static_cast<size_t>(Below(static_cast<int>(items.size())))];
+    T* Pick(const std::vector<T*>& v) {
+        return v[static_cast<size_t>(Below(static_cast<int>(v.size())))];
     }
 };
 
 struct SessionLog {
     bool verbose = false;  // print every event as it happens (replay)
     std::vector<std::string> events = {}, failures = {};
-
     void Note(const std::string& text) {
         events.push_back(text);
         if (verbose) std::printf("%6zu %s\n", events.size(), text.c_str()), std::fflush(stdout);
@@ -78,14 +63,10 @@ struct SessionLog {
 };
 
 char g_dying[160] = "";  // the running session and how to replay it, written as the process dies
-
 void OnSignal(int signal) {
-    const char* why = signal == SIGALRM   ? "hang: no action for a long time"
-                      : signal == SIGABRT ? "aborted (a sanitizer report or an assertion above)"
-                                          : "crashed on a signal";
-    for (const char* text : {"\nmonkey: FAILED: ", why, static_cast<const char*>(g_dying)}) {
+    const char* why = signal == SIGALRM ? "hang: no action for a long time" : "crashed or aborted";
+    for (const char* text : {"\nmonkey: FAILED: ", why, static_cast<const char*>(g_dying)})
         [[maybe_unused]] const ssize_t n = ::write(2, text, std::strlen(text));
-    }
     if (signal == SIGALRM) ::_exit(3);
     std::signal(signal, SIG_DFL);
     std::raise(signal);
@@ -94,14 +75,9 @@ void OnSignal(int signal) {
 std::string Name(const QWidget* widget) {
     if (widget == nullptr) return "(none)";
     if (!widget->objectName().isEmpty()) return widget->objectName().toStdString();
-    // The arrows of a spin button and the text box of a combo box carry no name of their own.
-    if (const auto* arrow = qobject_cast<const QToolButton*>(widget)) {
-        return Name(arrow->parentWidget()) + (arrow->arrowType() == Qt::UpArrow ? " up" : " down");
-    }
     return Name(widget->parentWidget());
 }
 
-// One window as the monkey met it.
 struct Frame {
     QPointer<QWidget> window;
     Frame* parent = nullptr;              // the window whose action showed this one
@@ -114,12 +90,10 @@ struct Frame {
 class Driver {
   public:
     Driver(Random& random, SessionLog& log) : random_(random), log_(log) {
-        timer_.setInterval(0);
         QObject::connect(&timer_, &QTimer::timeout, [this] { Poll(); });
     }
 
-    // A run with a sub program open in the host's editor (1 to 3, 0 for none), checked for
-    // what holds after every run; true when it saved.
+    // A run with sub program subEditing (1 to 3, 0 for none) open in the host; true when saved.
     bool Run(const test::TempProject& project, int subEditing, bool changed, bool walk,
              bool endWithOk) {
         walk_ = walk;
@@ -127,22 +101,17 @@ class Driver {
         frames_.clear();
         scheduled_ = aborted_ = menuOk_ = false;
         context_ = std::make_unique<QObject>();
-        log_.Note(walk ? "run: open again, every dialog with OK and no edit"
-                       : std::string("run: random, ends with ") + (endWithOk ? "OK" : "Cancel"));
+        log_.Note(walk ? "run: walk" : endWithOk ? "run: random, OK" : "run: random, Cancel");
         const ParameterImage before = project.ParamTmp();
         std::vector<std::string> files = project.List();
-        // The supplementary functions and the latch dialog share the end of the latch relays
-        // (the first step relay - 1) and each checks its own boxes only: a step relay start at
-        // the first latch relay inverts latch row L, a latch row L end at the last step relay
-        // inverts the step relays, and the other dialog then refuses OK with "Invalid range."
-        // (message 8).
+        // The latch dialog and the supplementary functions share the latch end (first step
+        // relay - 1) but check only their own boxes: an inverted range refuses OK (message 8).
         const int latchEnd = before.GetParamWord(18);
         mayRefuse_.clear();
         if (!before.IsErased(16) && before.GetParamWord(16) > latchEnd)
             mayRefuse_.insert("frmLatch");
         if (latchEnd + 2 > (before.IsErased(14) ? 2048 : before.GetParamWord(14)))
             mayRefuse_.insert("frmAssistance");
-
         ::RKParam* object = RKParam_Create();
         RKParam_Let_szPcName(object, project.Cpu().c_str());
         RKParam_Let_ProjectName(object,
@@ -152,68 +121,49 @@ class Driver {
         RKParam_Let_blnSubEditing2(object, subEditing == 2);
         RKParam_Let_blnSubEditing3(object, subEditing == 3);
         int16_t result = -1;
-        timer_.start();
-        if (RKParam_Param_main(object, &result) != 0) {
-            log_.Fail(std::string("a runtime error reached the host: ") +
+        timer_.start(0);
+        if (RKParam_Param_main(object, &result) != 0)
+            log_.Fail(std::string("runtime error to the host: ") +
                       RKParam_ErrorDescription(object));
-        }
         timer_.stop();
         const bool changedAfter = RKParam_Get_ContentChangeFlag(object) != 0;
         RKParam_Release(object);
         context_.reset();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         if (aborted_) return false;
-
         if (!menuOk_ && result != 0) log_.Fail("a run left with Cancel saved");
-        if (result == 1 && !changedAfter)
-            log_.Fail("the run saved, yet the host's change flag came back False");
+        if (result == 1 && !changedAfter) log_.Fail("a save left the host's change flag False");
         if (!menuOk_ && changedAfter != changed)
             log_.Fail("a run left with Cancel changed the host's change flag");
-        if (walk && result != 1)
-            log_.Fail("opened again and confirmed with OK, the run did not save");
+        if (walk && result != 1) log_.Fail("opened again and left with OK, the run did not save");
         ParameterImage after = project.ParamTmp();
-        // The model names are written once their dialog has been opened, and an erased record
-        // (six bytes 255, read as no name) is written back as the empty name.
+        // An erased model name record (six bytes 255) comes back as the empty name once opened.
         static constexpr uint8_t kEmptyName[6] = {0xC4, 0xE6, 0xC4, 0xE6, 0xC4, 0xE6};
-        for (int record = 640; walk && record < 1024; record += 6) {
+        for (int record = 640; walk && record < 1024; record += 6)
             if (std::equal(kEmptyName, kEmptyName + 6, after.data() + record) &&
                 std::all_of(before.data() + record, before.data() + record + 6,
-                            [](uint8_t b) { return b == 255; })) {
+                            [](uint8_t b) { return b == 255; }))
                 std::fill_n(after.data() + record, 6, 255);
-            }
-        }
-        if ((walk || !menuOk_ || result == 0) && after != before) {
-            std::string bytes;
-            for (const int i : test::DifferingBytes(before, after))
-                bytes += " " + std::to_string(i);
-            log_.Fail(std::string(walk ? "opened again and confirmed with OK without an edit"
-                                       : "a run that did not save") +
-                      ", param.tmp changed at bytes" + bytes);
-        }
+        if ((walk || !menuOk_ || result == 0) && after != before)
+            log_.Fail(walk ? "OK without an edit changed param.tmp" : "param.tmp changed unsaved");
         // The workbooks the spreadsheet hand-over copies into the project stay there.
         std::vector<std::string> left = project.List();
-        std::string names;
         for (auto* list : {&left, &files})
             std::erase_if(*list, [](const std::string& name) { return name.ends_with(".xls"); });
-        for (const std::string& name : left) names += " " + name;
-        if (left != files) log_.Fail("the run left the project with the files" + names);
+        if (left != files) log_.Fail("the run left files behind or removed one");
         return result == 1;
     }
 
   private:
     void Poll() {
-        QWidget* modal = QApplication::activeModalWidget();
-        // Nothing to act on while the window on top is busy in its own handler.
+        QWidget* modal = QApplication::activeModalWidget();  // not while busy in its handler
         if (scheduled_ || aborted_ || modal == nullptr || !modal->isVisible() ||
-            std::ranges::count(acting_, &FrameOf(modal))) {
+            std::ranges::count(acting_, &FrameOf(modal)))
             return;
-        }
         Frame& f = FrameOf(modal);
-        // A new window is left a few polls to become the active window.
         if (QApplication::activeWindow() != modal && ++f.activationPolls < 50) return;
         f.activationPolls = 50;
-        // Queued, so that a nested modal loop the action opens runs outside this poll.
-        scheduled_ = true;
+        scheduled_ = true;  // queued: a nested modal loop the action opens runs outside this poll
         QTimer::singleShot(0, context_.get(), [this, &f] {
             scheduled_ = false;
             if (Gone(f)) return;
@@ -247,117 +197,91 @@ class Driver {
         return f;
     }
 
-    // The enabled and visible controls of type T of the window, in the order they were made.
     template <typename T>
     std::vector<T*> Usable(const Frame& f, const std::string& name = "") const {
         std::vector<T*> found;
         for (T* widget : f.window->findChildren<T*>()) {
             if (widget->window() == f.window && widget->isEnabled() &&
-                widget->isVisibleTo(f.window) && (name.empty() || Name(widget) == name)) {
+                widget->isVisibleTo(f.window) && (name.empty() || Name(widget) == name))
                 found.push_back(widget);
-            }
         }
         return found;
     }
 
-    QAbstractButton* Button(const Frame& f, const std::string& name,
-                            const std::string& or_ = "") const {
+    QAbstractButton* Button(const Frame& f, const std::string& name, std::string alt = "") const {
         auto found = Usable<QAbstractButton>(f, name);
-        if (found.empty() && !or_.empty()) found = Usable<QAbstractButton>(f, or_);
+        if (found.empty() && !alt.empty()) found = Usable<QAbstractButton>(f, alt);
         return found.empty() ? nullptr : found.front();
     }
-
     bool Gone(const Frame& f) const { return aborted_ || !f.window || !f.window->isVisible(); }
 
     void Click(Frame& f, QAbstractButton* button) {
-        log_.Note(f.name + ": click " + Name(button));
-        f.lastClicked = Name(button);
+        log_.Note(f.name + ": click " + (f.lastClicked = Name(button)));
         // A mouse click moves the focus to a button that takes it, before the click itself.
         if (button->focusPolicy() & Qt::ClickFocus) button->setFocus(Qt::MouseFocusReason);
         button->click();
     }
-
     // Presses a window's OK (or Close): it must close the window or show a message. The
     // network menu's OK stays open by design once it has opened its workbook beside it.
     void Confirm(Frame& f, QAbstractButton* ok) {
         const size_t shown = f.messages.size();
         Click(f, ok);
-        if (!Gone(f) && f.messages.size() == shown && !WorkbookWindows(false)) {
-            log_.Fail(f.path + ": " + f.lastClicked +
-                      " neither closed the window nor showed a message");
-        }
+        if (!Gone(f) && f.messages.size() == shown && !WorkbookWindows(false))
+            log_.Fail(f.path + ": " + f.lastClicked + " neither closed nor showed a message");
     }
-
-    // A key to the window's focus, typing text (a special key types its own).
     void Key(Frame& f, int key, const QString& text = {}) {
         QWidget* target = f.window->focusWidget();
         if (target == nullptr || target->window() != f.window) target = f.window;
-        log_.Note(f.name + ": key " +
-                  (text.isEmpty() ? QKeySequence(key).toString() : "'" + text + "'").toStdString() +
-                  " -> " + Name(target));
+        log_.Note(f.name + ": key " + QKeySequence(key).toString().toStdString() + " '" +
+                  text.toStdString() + "' -> " + Name(target));
         const auto shift = key == Qt::Key_Backtab ? Qt::ShiftModifier : Qt::NoModifier;
         if (text.isEmpty()) return QTest::keyClick(target, Qt::Key(key), shift);
         QTest::sendKeyEvent(QTest::Click, target, Qt::Key(key), text, shift);
     }
-
-    // Cancel, Close or Escape; a window that does not close after many is hung.
     void Cancel(Frame& f) {
         if (++f.closeAttempts > kCloseAttempts) return Hang(f.path + " did not close");
         QAbstractButton* cancel = Button(f, "Cancel", "Close");
         cancel ? Click(f, cancel) : Key(f, Qt::Key_Escape);
     }
-
     void Hang(const std::string& why) {
         log_.Fail("hang: " + why);
         aborted_ = true;
-        // Close every window, innermost first, so that the run returns.
         for (int i = 0; i < 100 && qobject_cast<QDialog*>(QApplication::activeModalWidget()); ++i) {
             qobject_cast<QDialog*>(QApplication::activeModalWidget())->done(QDialog::Rejected);
             QApplication::processEvents();
         }
     }
-
     void Answer(Frame& f) {
         auto* box = static_cast<QMessageBox*>(f.window.data());
         const QVariant numbered = box->property("messageNumber");
         const int number = numbered.isValid() ? numbered.toInt() : -1;
-        const std::string in = f.parent ? f.parent->path : "?";
         if (f.parent) f.parent->messages.push_back(number);
-        if (number == 0)
-            log_.Fail("a runtime error reached the user: " + box->text().toStdString() + " (in " +
-                      in + ")");
+        if (number == 0) log_.Fail("runtime error to the user: " + box->text().toStdString());
         const auto all = box->buttons();
         std::vector<QAbstractButton*> buttons(all.begin(), all.end());
         std::erase_if(buttons, [](QAbstractButton* button) { return !button->isEnabled(); });
         if (buttons.empty()) return Hang("message " + std::to_string(number) + " has no button");
         QAbstractButton* choice = random_.Pick(buttons);
-        for (const char* name : {"OK", "Yes"}) {  // Yes, else OK, when forced
-            for (QAbstractButton* button : buttons) {
-                if (Name(button) == name &&
-                    (walk_ || (f.parent && f.parent->closeAttempts > kForcedAnswersAfter)))
-                    choice = button;
-            }
-        }
-        log_.Note("message " + std::to_string(number) + " [" + in + "]: " + Name(choice));
+        const bool forced = walk_ || (f.parent && f.parent->closeAttempts > kForcedAnswersAfter);
+        for (const char* name : {"OK", "Yes"})  // Yes, else OK, when forced
+            for (QAbstractButton* button : buttons)
+                if (forced && Name(button) == name) choice = button;
+        log_.Note("message " + std::to_string(number) + ": " + Name(choice));
         choice->click();
     }
 
-    // The spreadsheet application's windows, which the menu waits for: whether one is open,
-    // closing them when close.
+    // Whether a spreadsheet window (which the menu waits for) is open; closes them when close.
     bool WorkbookWindows(bool close) {
         bool open = false;
         for (QWidget* window : QApplication::topLevelWidgets()) {
             if (window->objectName() != "frmSpreadsheet" || !window->isVisible()) continue;
             open = true;
-            if (auto* button = window->findChild<QPushButton*>("Close"); button && close) {
-                log_.Note("workbook window: click Close");
+            if (auto* button = window->findChild<QPushButton*>("Close"); button && close)
                 button->click();
-            }
         }
         return open;
     }
 
-    // Leaves the menu with OK, once, or else Cancel or Escape.
     void LeaveMenu(Frame& f, bool ok) {
         WorkbookWindows(true);
         if (f.closeAttempts++ == 0 && ok) {
@@ -366,30 +290,24 @@ class Driver {
         }
         walk_ || random_.Chance(80) ? Cancel(f) : Key(f, Qt::Key_Escape);
     }
-
     std::vector<QAbstractButton*> MenuItems(const Frame& f, int count) const {
         std::vector<QAbstractButton*> items;
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             if (QAbstractButton* item = Button(f, "MenuItem(" + std::to_string(i) + ")"))
                 items.push_back(item);
-        }
         return items;
     }
-
     void MenuRandom(Frame& f) {
         if (f.eventsLeft < 0) f.eventsLeft = 1 + random_.Below(8);
         if (f.eventsLeft-- == 0) return LeaveMenu(f, endWithOk_);
         if (random_.Chance(20)) WorkbookWindows(true);
         const auto items = MenuItems(f, 8);
-        if (items.empty() || !random_.Chance(85)) {
+        if (items.empty() || !random_.Chance(85))
             return Key(f, std::array{Qt::Key_Up, Qt::Key_Down, Qt::Key_Tab}[random_.Below(3)]);
-        }
         QAbstractButton* item = random_.Pick(items);
-        // Clear All wipes every setting: rarer than the dialogs.
         if (Name(item) == "MenuItem(7)" && !random_.Chance(40)) item = random_.Pick(items);
         Click(f, item);
     }
-
     // Opens every settings dialog, each again until an opening tries no new button, then OK.
     void MenuWalk(Frame& f) {
         const auto items = MenuItems(f, kWalkedMenuItems);
@@ -403,8 +321,7 @@ class Driver {
         if (f.eventsLeft < 0)
             f.eventsLeft = random_.Chance(25) ? random_.Below(4) : random_.Below(150);
         if (f.eventsLeft-- > 0) return RandomEvent(f);
-        // OK, Cancel, Escape and End at random; once that has not closed the window for a
-        // while, Cancel with every question answered Yes.
+        // OK, Cancel or End at random; after many attempts, Cancel with every question Yes.
         const int choice = f.closeAttempts > kForcedAnswersAfter ? 5 : random_.Below(10);
         QAbstractButton* ok = Button(f, "OK", "Close");
         if (choice < 5 && ok) return ++f.closeAttempts, Confirm(f, ok);
@@ -412,15 +329,13 @@ class Driver {
         ++f.closeAttempts;
         Key(f, Qt::Key_End);
     }
-
     void RandomEvent(Frame& f) {
         // End acts as OK, Escape as Cancel: rare, so that a dialog lives on.
         static const int kKeys[] = {
             Qt::Key_Return, Qt::Key_Tab,       Qt::Key_Backtab, Qt::Key_Left,     Qt::Key_Right,
             Qt::Key_Up,     Qt::Key_Down,      Qt::Key_PageUp,  Qt::Key_PageDown, Qt::Key_Home,
             Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_End,     Qt::Key_Escape};
-        // Mostly what the boxes take (digits, hexadecimal digits, slot code letters), then any
-        // printable character, and a few from outside ASCII.
+        // Mostly what the boxes take, then any printable character, a few outside ASCII.
         static const QString kLikely = QString::fromUtf8("ABCDEFXYIOSMLKHTUWZabcdefx  -äß°éΩあ€");
         const int r = random_.Below(100);
         if (r < 34) {
@@ -432,8 +347,7 @@ class Driver {
         } else if (r < 73) {
             Key(f, kKeys[random_.Below(random_.Chance(95) ? 12 : 14)]);
         } else if (r < 89) {
-            // Push buttons (the nested dialogs' among them), check boxes, option buttons and
-            // spin arrows; those that close the dialog less often, so that it lives on.
+            // Any button; those that close the dialog less often, so that it lives on.
             const auto buttons = Usable<QAbstractButton>(f);
             if (buttons.empty()) return;
             const auto closes = [](QAbstractButton* b) {
@@ -443,11 +357,9 @@ class Driver {
             if (closes(button) && !random_.Chance(25)) button = random_.Pick(buttons);
             closes(button) && Name(button) != "Cancel" ? Confirm(f, button) : Click(f, button);
         } else {
-            // A click into a text box or a combo box.
-            std::vector<QWidget*> fields;
-            for (QLineEdit* edit : Usable<QLineEdit>(f)) {
+            std::vector<QWidget*> fields;  // a click into a text box or a combo box
+            for (QLineEdit* edit : Usable<QLineEdit>(f))
                 if (!qobject_cast<QComboBox*>(edit->parentWidget())) fields.push_back(edit);
-            }
             for (QComboBox* combo : Usable<QComboBox>(f)) fields.push_back(combo);
             if (fields.empty()) return;
             QWidget* field = random_.Pick(fields);
@@ -456,9 +368,8 @@ class Driver {
         }
     }
 
-    // An opening presses the buttons not tried before, and again those that opened a window
-    // (which is then walked in turn); a new one that opens no window may have edited, so
-    // Cancel. Else OK, which must close the window without a message.
+    // Presses the buttons not tried before and again those that opened a window (walked in
+    // turn); after a new one that opened none, Cancel (it may have edited). Else OK, no message.
     void DialogWalk(Frame& f) {
         if (f.walked) return Cancel(f);
         f.walked = true;
@@ -482,10 +393,9 @@ class Driver {
         const size_t shown = f.messages.size();
         Confirm(f, ok);
         if (Gone(f) || f.messages.size() == shown) return;
-        if (f.messages[shown] != 8 || !mayRefuse_.contains(f.name)) {
-            log_.Fail(f.path + ": OK without an edit was refused with message " +
+        if (f.messages[shown] != 8 || !mayRefuse_.contains(f.name))
+            log_.Fail(f.path + ": OK without an edit refused, message " +
                       std::to_string(f.messages[shown]));
-        }
     }
 
     Random& random_;
@@ -505,24 +415,20 @@ void RunSession(SessionLog& log, uint64_t seed, long long index, const std::stri
     test::TempProject project(cpu);
     const int subEditing = random.Chance(25) ? 1 + random.Below(3) : 0;
     if (random.Chance(30)) {
-        // END positions of the programs, which may exceed the memory capacities.
         std::string steps =
             std::to_string(random.Chance(25) ? random.Below(65536) : random.Below(8192));
         for (int sub = 0; sub < 3; ++sub)
             steps += " " + std::to_string(random.Chance(30) ? random.Below(32768) : 0);
-        project.WriteText("program.end", steps + "\n");
+        project.WriteText("program.end", steps + "\n");  // may exceed the capacities
         log.Note("program.end: " + steps);
     }
     Driver driver(random, log);
     const int runs = 1 + random.Below(3);
     for (int i = 0; i < runs && log.failures.empty(); ++i) {
         const bool endWithOk = random.Chance(50), changed = random.Chance(30);
-        // Saved: opened again and confirmed everywhere without an edit, with no sub program
-        // open (the memory dialog rightly refuses a sub program being edited that has no
-        // capacity, whatever the file holds).
-        if (driver.Run(project, subEditing, changed, false, endWithOk) && log.failures.empty()) {
+        // Saved: walked with no sub program open (one edited without capacity is refused).
+        if (driver.Run(project, subEditing, changed, false, endWithOk) && log.failures.empty())
             driver.Run(project, 0, false, true, true);
-        }
     }
 }
 
@@ -531,27 +437,23 @@ long long EnvNumber(const char* name, long long fallback) {
     return text != nullptr && *text != '\0' ? std::atoll(text) : fallback;
 }
 
-// The offscreen platform says these of every window it sizes or raises, thousands of times.
 QtMessageHandler g_qtHandler = nullptr;
-void FilterQtMessages(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    if (!text.contains("propagateSizeHints") && !text.contains("support raise()"))
-        g_qtHandler(type, context, text);
-}
-
 }  // namespace
 }  // namespace gantrix::monkey
 
 int main(int argc, char** argv) {
     using namespace gantrix::monkey;
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    g_qtHandler = qInstallMessageHandler(FilterQtMessages);
+    // The offscreen platform says these of every window it sizes or raises, thousands of times.
+    g_qtHandler = qInstallMessageHandler(
+        [](QtMsgType type, const QMessageLogContext& context, const QString& text) {
+            if (!text.contains("propagateSizeHints") && !text.contains("support raise()"))
+                g_qtHandler(type, context, text);
+        });
     QApplication app(argc, argv);
     gantrix::EnsureApplication();
     for (int signal : {SIGABRT, SIGALRM}) std::signal(signal, OnSignal);
-#if defined(__SANITIZE_ADDRESS__)
-    // The sanitizers catch the faults themselves and report before they die.
-    __sanitizer_set_death_callback([] { OnSignal(SIGABRT); });
-#else
+#if !defined(__SANITIZE_ADDRESS__)  // the sanitizers report these themselves
     for (int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL}) std::signal(signal, OnSignal);
 #endif
     unsigned long long seed = static_cast<unsigned long long>(EnvNumber("GANTRIX_MONKEY_SEED", 1));
@@ -559,38 +461,26 @@ int main(int argc, char** argv) {
     const long long minutes = EnvNumber("GANTRIX_MONKEY_MINUTES", 0);
     const char* replay = std::getenv("GANTRIX_MONKEY_REPLAY");
     const bool replaying = replay != nullptr && *replay != '\0';
-    if (replaying && std::sscanf(replay, "%llu:%lld", &seed, &first) != 2) {
-        std::fprintf(stderr, "monkey: GANTRIX_MONKEY_REPLAY=%s is not SEED:SESSION\n", replay);
-        return 2;
-    }
-    // Replaying, one session; given minutes and no number of sessions, the time is the budget.
+    if (replaying && std::sscanf(replay, "%llu:%lld", &seed, &first) != 2)
+        return std::fprintf(stderr, "monkey: GANTRIX_MONKEY_REPLAY is not SEED:SESSION\n"), 2;
     if (replaying || (minutes > 0 && !std::getenv("GANTRIX_MONKEY_SESSIONS")))
         sessions = replaying ? 1 : 1LL << 40;
     const qint64 start = QDateTime::currentSecsSinceEpoch();
     long long done = 0, events = 0, failed = 0;
     for (long long i = first; i < first + sessions; ++i, ++done) {
         if (minutes > 0 && QDateTime::currentSecsSinceEpoch() - start >= minutes * 60) break;
-        const char* cpu = kCpuTypes[static_cast<size_t>(i) % std::size(kCpuTypes)];
-        char replayLine[96];
-        std::snprintf(replayLine, sizeof replayLine,
-                      "  replay: GANTRIX_MONKEY_REPLAY=%llu:%lld monkey_tests\n", seed, i);
-        std::snprintf(g_dying, sizeof g_dying, "\n  in session %lld of seed %llu (CPU \"%s\")\n%s",
-                      i, seed, cpu, replayLine);
+        const std::string cpu(
+            gantrix::platform::kCpuTypes[i % std::size(gantrix::platform::kCpuTypes)]);
+        std::snprintf(g_dying, sizeof g_dying,
+                      "\n  replay: GANTRIX_MONKEY_REPLAY=%llu:%lld (CPU \"%s\")\n", seed, i,
+                      cpu.c_str());
         SessionLog log{.verbose = replaying};
         RunSession(log, seed, i, cpu);
         events += static_cast<long long>(log.events.size());
         if (log.failures.empty()) continue;
         ++failed;
-        for (const std::string& failure : log.failures) {
-            std::fprintf(stderr, "\nmonkey: FAILED session %lld of seed %llu (CPU \"%s\"): %s\n", i,
-                         seed, cpu, failure.c_str());
-        }
-        std::fprintf(stderr, "  last events:\n");
-        for (size_t e = log.events.size() > 60 ? log.events.size() - 60 : 0; e < log.events.size();
-             ++e) {
-            std::fprintf(stderr, "  %zu %s\n", e + 1, log.events[e].c_str());
-        }
-        std::fprintf(stderr, "%s", replayLine);
+        for (const std::string& failure : log.failures)
+            std::fprintf(stderr, "\nmonkey: FAILED: %s%s", failure.c_str(), g_dying);
     }
     ::alarm(0);
     g_dying[0] = '\0';
