@@ -73,23 +73,19 @@ TEST(Rkpara, IoPointsAndTheMicrocomputerFile) {
     EXPECT_EQ(RkCheckMicro(micro.data(), 0, 0), 0);
 }
 
-struct Received {
-    std::vector<intptr_t> lParams;
-};
-
 void Record(intptr_t, uint32_t, uintptr_t, intptr_t lParam, void* context) {
-    static_cast<Received*>(context)->lParams.push_back(lParam);
+    static_cast<std::vector<intptr_t>*>(context)->push_back(lParam);
 }
 
 TEST(User32, UnknownWindowsDropMessages) {
-    Received received;
+    std::vector<intptr_t> received;
     User32RegisterWindow(77, Record, &received);
     EXPECT_EQ(PostMessageA(78, WM_COMMAND, 60000, 0), 0);
     SendMessageA(78, WM_COMMAND, 60000, 5);
     PostMessageA(77, WM_COMMAND, 1, 3);
     User32RegisterWindow(77, nullptr, nullptr);
     EXPECT_EQ(User32DispatchPosted(), 0);  // the window went away before delivery
-    EXPECT_TRUE(received.lParams.empty());
+    EXPECT_TRUE(received.empty());
     EXPECT_EQ(excel::GetObject("excel.application"), nullptr);  // no spreadsheet either
 }
 

@@ -22,7 +22,6 @@ class TempDir {
     ~TempDir();
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
-
     const std::string& Path() const { return path_; }  // with its trailing "/"
     std::string File(const std::string& name) const { return path_ + name; }
     bool Exists(const std::string& name) const { return std::filesystem::exists(path_ + name); }
