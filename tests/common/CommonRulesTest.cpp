@@ -94,9 +94,8 @@ TEST(ReportErrors, OneBoxPerMessageAscendingPaintingItsControlsOnOk) {
     state.Presenter = &presenter;
     ErrorTables errors;
     for (const auto& [message, control] :
-         {std::pair{11, 1}, {3, 6}, {11, 0}, {3, 7}, {2, 8}, {16, -1}}) {
+         {std::pair{11, 1}, {3, 6}, {11, 0}, {3, 7}, {2, 8}, {16, -1}})
         errors.Record(message, control);
-    }
     std::vector<int> painted;
     presenter.Then(MessageButton::Cancel);  // the first box: its control stays unpainted
     EXPECT_FALSE(ReportErrors(state, errors, [&](int c) { painted.push_back(c); }));

@@ -24,20 +24,17 @@ ModalDriver& ModalDriver::On(const QString& objectName, Action action) {
 }
 
 ModalDriver& ModalDriver::Message(int number, const QString& button) {
-    const std::string what =
+    On("MessageBox", [this, number, button](QWidget* box) {
+        messages.push_back(number);
+        QWidget* focus = QApplication::focusWidget();
+        if (button == "Enter") return QTest::keyClick(focus ? focus : box, Qt::Key_Return);
+        if (auto* target = box->findChild<QPushButton*>(button)) return target->click();
+        ADD_FAILURE() << "message " << number << " has no button " << button.toStdString();
+        static_cast<QDialog*>(box)->done(QDialog::Rejected);
+    });
+    steps_.back().messageNumber = number;
+    steps_.back().description =
         "message " + std::to_string(number) + " answered " + button.toStdString();
-    steps_.push_back({"MessageBox", number,
-                      [this, number, button, what](QWidget* box) {
-                          messages.push_back(number);
-                          QWidget* focus = QApplication::focusWidget();
-                          if (button == "Enter")
-                              return QTest::keyClick(focus ? focus : box, Qt::Key_Return);
-                          if (auto* target = box->findChild<QPushButton*>(button))
-                              return target->click();
-                          ADD_FAILURE() << what << ": no such button";
-                          static_cast<QDialog*>(box)->done(QDialog::Rejected);
-                      },
-                      what});
     return *this;
 }
 

@@ -1,10 +1,7 @@
 #pragma once
 // One run of the parameter mode through the C interface while a ModalDriver acts.
 
-#include <cstdint>
-#include <string>
 #include <utility>
-#include <vector>
 
 #include "entry/GantrixA0J.h"
 #include "store/CheckSum.h"

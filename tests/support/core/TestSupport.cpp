@@ -107,11 +107,10 @@ std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b
 
 std::string RecordedErrors(const ErrorTables& errors) {
     std::string text;
-    for (int m = 0; m <= kMaxMessageNo; ++m) {
+    for (int m = 0; m <= kMaxMessageNo; ++m)
         for (int c = 0; c <= kMaxControlNo; ++c)
             if (errors.ControlErrorFlags[c][m])
                 text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
-    }
     return text;
 }
 
