@@ -48,29 +48,24 @@ TEST(ShowMessage, TextsCaptionsAndStylesOfTheNumberedBoxes) {
 }
 // clang-format on
 
-struct HostLog {
-    std::vector<std::string> events;
-};
+using HostLog = std::vector<std::string>;
 
 void HostProc(intptr_t, uint32_t msg, uintptr_t wParam, intptr_t lParam, void* context) {
-    std::string what = msg == WM_COMMAND && wParam == 60000 ? "cmd" : "other";
-    what +=
-        lParam == 0 ? " posted" : " sent " + std::to_string(*reinterpret_cast<int32_t*>(lParam));
-    static_cast<HostLog*>(context)->events.push_back(what);
+    const std::string sent =
+        lParam ? " sent " + std::to_string(*reinterpret_cast<int32_t*>(lParam)) : " posted";
+    static_cast<HostLog*>(context)->push_back(
+        (msg == WM_COMMAND && wParam == 60000 ? "cmd" : "other") + sent);
 }
 
 // Posted messages reach the host while the box is up.
-class LoggingPresenter : public ScriptedMessages {
-  public:
-    explicit LoggingPresenter(HostLog& log) : log_(log) {}
+struct LoggingPresenter : ScriptedMessages {
+    explicit LoggingPresenter(HostLog& to) : log(to) {}
     MessageButton Present(const MessageBoxLook& box) override {
         User32DispatchPosted();
-        log_.events.push_back("box " + std::to_string(box.number));
+        log.push_back("box " + std::to_string(box.number));
         return ScriptedMessages::Present(box);
     }
-
-  private:
-    HostLog& log_;
+    HostLog& log;
 };
 
 TEST(ShowMessage, PostsBeforeAndSendsAfterEveryBoxAndMapsAnswers) {
@@ -88,10 +83,9 @@ TEST(ShowMessage, PostsBeforeAndSendsAfterEveryBoxAndMapsAnswers) {
     EXPECT_EQ(ShowMessage(state, 6), "");  // no box, still the send after
     User32DispatchPosted();
     User32RegisterWindow(4242, nullptr, nullptr);
-    EXPECT_EQ(log.events, (std::vector<std::string>{
-                              "cmd posted", "box 1", "cmd sent 0", "cmd posted", "box 12",
-                              "cmd sent 0", "cmd posted", "box 3", "cmd sent 0", "cmd posted",
-                              "box 3", "cmd sent 0", "cmd sent 0", "cmd posted"}));
+    EXPECT_EQ(log, (HostLog{"cmd posted", "box 1", "cmd sent 0", "cmd posted", "box 12",
+                            "cmd sent 0", "cmd posted", "box 3", "cmd sent 0", "cmd posted",
+                            "box 3", "cmd sent 0", "cmd sent 0", "cmd posted"}));
 }
 
 TEST(ReportErrors, OneBoxPerMessageAscendingPaintingItsControlsOnOk) {
@@ -100,9 +94,8 @@ TEST(ReportErrors, OneBoxPerMessageAscendingPaintingItsControlsOnOk) {
     state.Presenter = &presenter;
     ErrorTables errors;
     for (const auto& [message, control] :
-         {std::pair{11, 1}, {3, 6}, {11, 0}, {3, 7}, {2, 8}, {16, -1}}) {
+         {std::pair{11, 1}, {3, 6}, {11, 0}, {3, 7}, {2, 8}, {16, -1}})
         errors.Record(message, control);
-    }
     std::vector<int> painted;
     presenter.Then(MessageButton::Cancel);  // the first box: its control stays unpainted
     EXPECT_FALSE(ReportErrors(state, errors, [&](int c) { painted.push_back(c); }));
@@ -133,23 +126,16 @@ TEST(ControlNumbers, EveryNumberedControlBothWays) {
 }
 // clang-format on
 
-TEST(InputRoutines, KeysAndTextsOfTheNumberBoxes) {
+// clang-format off
+TEST(InputRoutines, KeysTextsAndValuesOfTheNumberBoxes) {
     for (int key : {int('0'), int('9'), 8, 22, 0}) EXPECT_EQ(CheckDecimalKey(key), 1) << key;
-    for (int key : {int('a'), int(' '), int('/'), int(':'), 127})
-        EXPECT_EQ(CheckDecimalKey(key), 0);
+    for (int key : {int('a'), int(' '), int('/'), int(':'), 127}) EXPECT_EQ(CheckDecimalKey(key), 0);
     EXPECT_EQ(CheckDecimalKey(13), 2);
-
-    const struct {
-        bool hex;
-        const char* in;
-        int caret;
-        const char* out;
-        int outCaret;
-    } boxes[] = {
+    const struct { bool hex; const char* in; int caret; const char* out; int outCaret; } boxes[] = {
         {false, " 0 7 ", 2, " 7", 2},  // inner blanks stay, outer ones and the leading zero go
         {false, "12a", 3, "", 0},      // one wrong character empties the box
-        {false, "007", 1, "7", 1},    {false, "0", 1, "0", 1},    {false, "00", 2, "", 0},
-        {false, "100", 3, "100", 3},  {true, " 1f ", 2, "1F", 2}, {true, "1G", 2, "", 0},
+        {false, "007", 1, "7", 1}, {false, "0", 1, "0", 1}, {false, "00", 2, "", 0},
+        {false, "100", 3, "100", 3}, {true, " 1f ", 2, "1F", 2}, {true, "1G", 2, "", 0},
         {true, "00ab", 4, "00AB", 4},  // hexadecimal boxes keep their zeros
     };
     for (const auto& b : boxes) {
@@ -158,23 +144,16 @@ TEST(InputRoutines, KeysAndTextsOfTheNumberBoxes) {
         EXPECT_EQ(box.text, b.out) << '"' << b.in << '"';
         EXPECT_EQ(box.caret, b.outCaret) << '"' << b.in << '"';
     }
-}
-
-TEST(InputRoutines, ValuesOfDecimalAndHexadecimalTexts) {
-    for (const auto& [text, value] : std::initializer_list<std::pair<const char*, long>>{
-             {"", 0}, {" 7", 7}, {"1 2", 12}, {"10", 10}, {"12a3", 12}, {"9/", 9}}) {
+    using Values = std::initializer_list<std::pair<const char*, long>>;
+    for (const auto& [text, value] : Values{{"", 0}, {" 7", 7}, {"1 2", 12}, {"10", 10}, {"12a3", 12}, {"9/", 9}})
         EXPECT_EQ(ValueOf(text), value) << text;
-    }
-    EXPECT_EQ(PadZero4("1F"), "001F");
-    EXPECT_EQ(PadZero4("FFFF"), "FFFF");
-    EXPECT_EQ(PadZero4("12345"), "");
-    EXPECT_EQ(PadZero4(""), "");
-    for (const auto& [text, value] : std::initializer_list<std::pair<const char*, long>>{
-             {"00FF", 255}, {"FFFF", 65535}, {"1F", 7936}, {"0A0A", 2570}, {"0G0A", 10}}) {
+    for (const auto& [text, value] : Values{{"00FF", 255}, {"FFFF", 65535}, {"1F", 7936}, {"0A0A", 2570}, {"0G0A", 10}})
         EXPECT_EQ(HexToValue(text), value) << text;
-    }
+    for (const auto& [text, padded] : {std::pair{"1F", "001F"}, {"FFFF", "FFFF"}, {"12345", ""}, {"", ""}})
+        EXPECT_EQ(PadZero4(text), padded) << text;
     EXPECT_EQ(Trim("  a b "), "a b");
 }
+// clang-format on
 
 }  // namespace
 }  // namespace gantrix

@@ -1,6 +1,3 @@
-// What no dialog shows on its own: a runtime error while loading or saving, the message
-// boxes, and the keys that every filtered box refuses.
-
 #include "common/qt/DialogBase.h"
 
 #include <QKeyEvent>
@@ -85,28 +82,27 @@ TEST(QtMessagePresenter, EnterAnswersTheDefaultButton) {
     EXPECT_EQ(text9.count('\n'), 2);
 }
 
-QString TextOf(QWidget* box) {
-    if (auto* combo = qobject_cast<QComboBox*>(box)) return combo->currentText();
-    return qobject_cast<QLineEdit*>(box)->text();
-}
-
+// A letter outside ASCII neither reaches a filtered box nor wipes what it holds.
 void ExpectForeignKeysDiscarded(QWidget* dialog, std::initializer_list<const char*> boxes) {
     for (const char* name : boxes) {
         auto* box = dialog->findChild<QWidget*>(name);
         ASSERT_NE(box, nullptr) << name;
-        const QString before = TextOf(box);
+        auto* combo = qobject_cast<QComboBox*>(box);
+        const auto text = [&] {
+            return combo ? combo->currentText() : static_cast<QLineEdit*>(box)->text();
+        };
+        const QString before = text();
         box->setFocus();
-        for (const QString& text : {QString("ä"), QString("ß"), QString("°"), QString("😀")}) {
-            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier, text);
+        for (const char* key : {"ä", "ß", "°", "😀"}) {
+            QKeyEvent press(QEvent::KeyPress, Qt::Key_unknown, Qt::NoModifier,
+                            QString::fromUtf8(key));
             QApplication::sendEvent(QApplication::focusWidget(), &press);
         }
-        EXPECT_EQ(TextOf(box), before) << dialog->objectName().toStdString() << " " << name;
+        EXPECT_EQ(text(), before) << dialog->objectName().toStdString() << " " << name;
     }
 }
 
-// A letter outside ASCII neither reaches a filtered box nor wipes what it holds.
 TEST(FilteredKeys, LettersOutsideAsciiAreDiscardedByEveryFilteredBox) {
-    // Decimal, hexadecimal, the device combo, slot codes and model names.
     ExpectForeignKeysDiscarded(test::Opened<frmMemory>("A3 ").form.get(), {"Text1(0)", "Text4"});
     ExpectForeignKeysDiscarded(test::Opened<frmLatch>("A3 ").form.get(), {"Text1(0)", "Text1(2)"});
     ExpectForeignKeysDiscarded(test::Opened<frmTimerCounter>("A3A").form.get(),
@@ -124,10 +120,9 @@ TEST(FilteredKeys, LettersOutsideAsciiAreDiscardedByEveryFilteredBox) {
     EXPECT_TRUE(io.messages.shown.empty());
     ExpectForeignKeysDiscarded(test::Opened<frmAssistance>("A3 ").form.get(),
                                {"Text2(0)", "Text3"});
-    test::Opened<frmMINI> mini("A3U", [](test::Opened<frmMINI>& opened) {
-        opened.state.image.SetParamWord(1, 2312);  // one module
-    });
-    ExpectForeignKeysDiscarded(mini.form.get(), {"Text1", "Text2(0)", "Text2(4)"});
+    test::Opened<frmMINI> mini("A3U",
+                               [](auto& opened) { opened.state.image.SetParamWord(1, 2312); });
+    ExpectForeignKeysDiscarded(mini.form.get(), {"Text1", "Text2(0)", "Text2(4)"});  // one module
 }
 
 }  // namespace

@@ -43,13 +43,11 @@ TEST(Rkcmnt, DeviceSizesFollowTheCpuOfTheSetupAndEndPositionsTheProjectsFile) {
     char cpuText[] = "          ";
     int16_t value = 0, end[4] = {9, 9, 9, 9};
     ASSERT_EQ(RkLoadParameter(path.data(), image.data()), kRkLoadOk);
-    RkGetFileParameter(cpuText, &value, end);
-    EXPECT_EQ(std::vector<int16_t>(end, end + 4), (std::vector<int16_t>{0, 0, 0, 0}));
+    using End = std::pair<const char*, std::vector<int16_t>>;
     for (const auto& [text, expected] :
-         {std::pair{"2049\n  100 7", std::vector<int16_t>{2049, 100, 7, 0}},
-          {"12 x 5 5", {12, 0, 0, 0}},
-          {"-3 40000", {0, 32767, 0, 0}}}) {
-        dir.WriteText("program.end", text);
+         {End{nullptr, {0, 0, 0, 0}}, End{"2049\n  100 7", {2049, 100, 7, 0}},
+          End{"12 x 5 5", {12, 0, 0, 0}}, End{"-3 40000", {0, 32767, 0, 0}}}) {
+        if (text) dir.WriteText("program.end", text);
         RkGetFileParameter(cpuText, &value, end);
         EXPECT_EQ(std::vector<int16_t>(end, end + 4), expected) << text;
     }
@@ -73,23 +71,19 @@ TEST(Rkpara, IoPointsAndTheMicrocomputerFile) {
     EXPECT_EQ(RkCheckMicro(micro.data(), 0, 0), 0);
 }
 
-struct Received {
-    std::vector<intptr_t> lParams;
-};
-
 void Record(intptr_t, uint32_t, uintptr_t, intptr_t lParam, void* context) {
-    static_cast<Received*>(context)->lParams.push_back(lParam);
+    static_cast<std::vector<intptr_t>*>(context)->push_back(lParam);
 }
 
 TEST(User32, UnknownWindowsDropMessages) {
-    Received received;
+    std::vector<intptr_t> received;
     User32RegisterWindow(77, Record, &received);
     EXPECT_EQ(PostMessageA(78, WM_COMMAND, 60000, 0), 0);
     SendMessageA(78, WM_COMMAND, 60000, 5);
     PostMessageA(77, WM_COMMAND, 1, 3);
     User32RegisterWindow(77, nullptr, nullptr);
     EXPECT_EQ(User32DispatchPosted(), 0);  // the window went away before delivery
-    EXPECT_TRUE(received.lParams.empty());
+    EXPECT_TRUE(received.empty());
     EXPECT_EQ(excel::GetObject("excel.application"), nullptr);  // no spreadsheet either
 }
 

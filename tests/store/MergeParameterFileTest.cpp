@@ -6,8 +6,7 @@
 namespace gantrix {
 namespace {
 
-// A file whose every byte is 0x11 merged into an image whose every byte is 0x22, for cpu,
-// after change has set bytes of both.
+// A file of 0x11 bytes merged into an image of 0x22 bytes, for cpu, after change set bytes of both.
 StoreState Merged(const std::string& cpu,
                   const std::function<void(std::vector<uint8_t>&, StoreState&)>& change = {}) {
     test::TempDir dir;
@@ -29,31 +28,31 @@ TEST(MergeParameterFile, TakesTheNetworkPartAndKeepsTheComponentsOwnBytes) {
             i < 1024 || i == 1071 || (i >= 2304 && i <= 2417) || i == 2434 || i == 2435;
         ASSERT_EQ(m.image[i], fromImage ? 0x22 : 0x11) << "byte " << i;
     }
-    // A short file reads as zeros past its end.
-    const StoreState shortFile = Merged("A3 ", [](auto& file, auto&) { file.resize(2000); });
+    const StoreState shortFile =
+        Merged("A3 ", [](auto& file, auto&) { file.resize(2000); });  // zeros past its end
     EXPECT_EQ(shortFile.image[1999], 0x11);
     EXPECT_EQ(shortFile.image[2000], 0);
     EXPECT_EQ(shortFile.image[3071], 0);
 }
 
 TEST(MergeParameterFile, Byte1071DecidesTheNetworkSum) {
-    const struct {
-        uint8_t image, file, result;
-        bool sumValid;
-    } cases[] = {
-        {3, 0xFF, 3, true},                           // the image keeps its flag; the file differed
-        {0xFF, 1, 1, false},                          // no flag in the image: the file's is taken
+    // clang-format off
+    const struct { uint8_t image, file, result; bool sumValid; } cases[] = {
+        {3, 0xFF, 3, true},    // the image keeps its flag; the file differed
+        {0xFF, 1, 1, false},   // no flag in the image: the file's is taken
         {0xFF, 0xFF, 0xFF, false}, {1, 1, 1, false},  // equal: nothing changed
         {0, 1, 0, true},
     };
+    // clang-format on
     for (const auto& c : cases) {
         const StoreState m = Merged("A3 ", [&c](auto& file, StoreState& state) {
             state.NetworkSumValid = !c.sumValid;
             state.image[1071] = c.image;
             file[1071] = c.file;
         });
-        EXPECT_EQ(m.image[1071], c.result) << int(c.image) << "/" << int(c.file);
-        EXPECT_EQ(m.NetworkSumValid, c.sumValid) << int(c.image) << "/" << int(c.file);
+        SCOPED_TRACE(std::to_string(c.image) + "/" + std::to_string(c.file));
+        EXPECT_EQ(m.image[1071], c.result);
+        EXPECT_EQ(m.NetworkSumValid, c.sumValid);
     }
 }
 

@@ -26,8 +26,7 @@ TEST(DeleteWorkFiles, RemovesTheWorkingFilesByTheirComparisons) {
     StoreState state;
     state.ProjectDir = dir.Path();
     EXPECT_EQ(DeleteWorkFiles(state), std::vector<std::string>{});
-    // The exact names go; "temp.dat", "netpara.net" and "param.net" go in any case; an
-    // upper-case "PARAM.$$$" is not the working file.
+    // Exact names go, "temp.dat", "netpara.net", "param.net" in any case; not "PARAM.$$$".
     EXPECT_EQ(dir.List(), (std::vector<std::string>{"NETPARA.$$$", "PARAM.$$$", "netpara.tmp",
                                                     "other", "param.tmp"}));
 }

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include "store/CheckSum.h"
 #include "store/ParameterImage.h"
 #include "store/RuntimeError.h"
@@ -32,32 +34,27 @@ TEST(CheckSum, EachFamilyWritesItsFormAndTheNetworkSumOnlyWhenAsked) {
     ParameterImage summed;
     for (int i = 0; i < 292; ++i) summed[i] = 255;
     summed[292] = 105;  // 292 x 255 + 105
-    struct Case {
-        const char* cpu;
-        uint8_t b525, b526, b527;
+    // clang-format off
+    const struct { const char* cpu; std::array<uint8_t, 3> sum; } cases[] = {
+        {"A3 ", {0x45, 0x23, 0x01}}, {"A0J", {0x45, 0x23, 0x01}}, {"A3A", {0xBA, 0xDC, 0xFE}},
+        {"A2A", {0xBA, 0xDC, 0xFE}}, {"A3U", {0xBA, 0xDC, 0x5B}}, {"A4U", {0xBA, 0xDC, 0x5B}},
+        {"A4 ", {7, 8, 9}}, {"a3u", {7, 8, 9}},  // unknown codes leave their bytes
     };
-    const Case cases[] = {
-        {"A3 ", 0x45, 0x23, 0x01}, {"A0J", 0x45, 0x23, 0x01}, {"A3A", 0xBA, 0xDC, 0xFE},
-        {"A2A", 0xBA, 0xDC, 0xFE}, {"A3U", 0xBA, 0xDC, 0x5B}, {"A4U", 0xBA, 0xDC, 0x5B},
-        {"A4 ", 7, 8, 9},          {"a3u", 7, 8, 9},  // unknown codes leave their bytes
+    // clang-format on
+    const auto at = [](const ParameterImage& image, int first) {
+        return std::array<uint8_t, 3>{image[first], image[first + 1], image[first + 2]};
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         ParameterImage image = summed;
-        image[525] = 7;
-        image[526] = 8;
-        image[527] = 9;
+        for (int i : {525, 526, 527}) image[i] = static_cast<uint8_t>(i - 518);
         image[2056] = 1;
         SetCheckSum(image, c.cpu, false);
-        EXPECT_EQ(image[525], c.b525) << c.cpu;
-        EXPECT_EQ(image[526], c.b526) << c.cpu;
-        EXPECT_EQ(image[527], c.b527) << c.cpu;
+        EXPECT_EQ(at(image, 525), c.sum) << c.cpu;
         EXPECT_EQ(image[2056], 1) << c.cpu;
         for (int i = 1024; i <= 2055; ++i) image[i] = 255;
         image[2059] = 99;
         SetCheckSum(image, c.cpu, true);
-        EXPECT_EQ(image[2056], 0xF8) << c.cpu;
-        EXPECT_EQ(image[2057], 0x03) << c.cpu;
-        EXPECT_EQ(image[2058], 0x04) << c.cpu;
+        EXPECT_EQ(at(image, 2056), (std::array<uint8_t, 3>{0xF8, 0x03, 0x04})) << c.cpu;
     }
 }
 

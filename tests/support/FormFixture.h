@@ -97,25 +97,21 @@ inline std::vector<std::string> LayoutFaults(QWidget* window) {
         }
         const std::string name = w->objectName().toStdString();
         const bool captioned = label || (button && !qobject_cast<QToolButton*>(w));
-        if (captioned && (label ? label->text().trimmed() : button->text()).isEmpty()) {
-            faults.push_back(name + " has no caption");
-        }
         const QSize least = w->minimumSizeHint();
-        if (captioned && (w->width() < least.width() || w->height() < least.height())) {
+        if (captioned && (label ? label->text().trimmed() : button->text()).isEmpty())
+            faults.push_back(name + " has no caption");
+        if (captioned && (w->width() < least.width() || w->height() < least.height()))
             faults.push_back(name + " is cut");
-        }
         controls.emplace_back(w, QRect(w->mapTo(window, QPoint(0, 0)), w->size()));
     }
-    for (size_t i = 0; i < controls.size(); ++i) {
+    for (size_t i = 0; i < controls.size(); ++i)
         for (size_t j = i + 1; j < controls.size(); ++j) {
             auto [a, ra] = controls[i];
             auto [b, rb] = controls[j];
-            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) && ra.intersects(rb)) {
+            if (!a->isAncestorOf(b) && !b->isAncestorOf(a) && ra.intersects(rb))
                 faults.push_back(a->objectName().toStdString() + " overlaps " +
                                  b->objectName().toStdString());
-            }
         }
-    }
     return faults;
 }
 

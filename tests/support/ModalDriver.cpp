@@ -11,13 +11,11 @@
 
 namespace gantrix::test {
 
+static const auto Now = &QDateTime::currentMSecsSinceEpoch;
+
 ModalDriver::ModalDriver() {
     timer_.setInterval(2);
     connect(&timer_, &QTimer::timeout, this, &ModalDriver::Poll);
-}
-
-ModalDriver::~ModalDriver() {
-    timer_.stop();
 }
 
 ModalDriver& ModalDriver::On(const QString& objectName, Action action) {
@@ -26,77 +24,56 @@ ModalDriver& ModalDriver::On(const QString& objectName, Action action) {
 }
 
 ModalDriver& ModalDriver::Message(int number, const QString& button) {
-    Step step;
-    step.objectName = "MessageBox";
-    step.messageNumber = number;
-    step.description = "message " + std::to_string(number) + " answered " + button.toStdString();
-    step.action = [this, number, button](QWidget* box) {
+    On("MessageBox", [this, number, button](QWidget* box) {
         messages.push_back(number);
-        if (button == "Enter") {
-            QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : box,
-                            Qt::Key_Return);
-            return;
-        }
-        auto* target = box->findChild<QPushButton*>(button);
-        if (target == nullptr) {
-            ADD_FAILURE() << "message " << number << " has no button " << button.toStdString();
-            static_cast<QDialog*>(box)->done(QDialog::Rejected);
-            return;
-        }
-        target->click();
-    };
-    steps_.push_back(std::move(step));
+        QWidget* focus = QApplication::focusWidget();
+        if (button == "Enter") return QTest::keyClick(focus ? focus : box, Qt::Key_Return);
+        if (auto* target = box->findChild<QPushButton*>(button)) return target->click();
+        ADD_FAILURE() << "message " << number << " has no button " << button.toStdString();
+        static_cast<QDialog*>(box)->done(QDialog::Rejected);
+    });
+    steps_.back().messageNumber = number;
+    steps_.back().description =
+        "message " + std::to_string(number) + " answered " + button.toStdString();
     return *this;
 }
 
 void ModalDriver::Run(const std::function<void()>& body, int timeoutMs) {
     timeoutMs_ = timeoutMs;
-    waitingSince_ = QDateTime::currentMSecsSinceEpoch();
+    waitingSince_ = Now();
     timer_.start();
     body();
     timer_.stop();
-    if (!steps_.empty()) {
+    if (!steps_.empty())
         ADD_FAILURE() << "the run ended before this step: " << steps_.front().description;
-        steps_.clear();
-    }
+    steps_.clear();
 }
 
 void ModalDriver::Poll() {
     if (steps_.empty() || busy_) return;
     QWidget* modal = QApplication::activeModalWidget();
-    const Step& step = steps_.front();
-    const bool matches =
-        modal && modal->isVisible() && modal->objectName() == step.objectName &&
-        (step.messageNumber < 0 || modal->property("messageNumber").toInt() == step.messageNumber);
-    if (!matches) {
-        if (QDateTime::currentMSecsSinceEpoch() - waitingSince_ > timeoutMs_) {
-            const QString seen =
-                modal ? modal->objectName() + " " + modal->property("messageNumber").toString()
-                      : QString("none");
-            Abort("timed out waiting for " + step.description +
-                  "; active modal widget: " + seen.toStdString());
-        }
+    const Step step = steps_.front();
+    if (modal && modal->isVisible() && modal->objectName() == step.objectName &&
+        (step.messageNumber < 0 ||
+         modal->property("messageNumber").toInt() == step.messageNumber)) {
+        steps_.pop_front();
+        // Queued: the action may enter a nested modal loop, in which the timer must keep running.
+        QTimer::singleShot(0, this, [this, step, modal] {
+            waitingSince_ = Now();
+            step.action(modal);
+            waitingSince_ = Now();
+        });
+        waitingSince_ = Now();
         return;
     }
-    Step current = steps_.front();
-    steps_.pop_front();
-    // Queued: the action may enter a nested modal loop, in which the timer must keep running.
-    QWidget* target = modal;
-    QTimer::singleShot(0, this, [this, current, target] {
-        waitingSince_ = QDateTime::currentMSecsSinceEpoch();
-        current.action(target);
-        waitingSince_ = QDateTime::currentMSecsSinceEpoch();
-    });
-    waitingSince_ = QDateTime::currentMSecsSinceEpoch();
-}
-
-void ModalDriver::Abort(const std::string& why) {
-    ADD_FAILURE() << why;
+    if (Now() - waitingSince_ <= timeoutMs_) return;
+    const QString seen =
+        modal ? modal->objectName() + " " + modal->property("messageNumber").toString() : "none";
+    ADD_FAILURE() << "timed out waiting for " << step.description
+                  << "; active modal widget: " << seen.toStdString();
     steps_.clear();
     busy_ = true;
-    while (QWidget* modal = QApplication::activeModalWidget()) {
-        auto* dialog = qobject_cast<QDialog*>(modal);
-        if (dialog == nullptr) break;
+    while (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
         dialog->done(QDialog::Rejected);
         QApplication::processEvents();
     }
@@ -114,10 +91,9 @@ void PressKey(QWidget* widget, int key, Qt::KeyboardModifiers modifiers) {
 
 QWidget* Child(QWidget* window, const QString& objectName) {
     auto* child = window->findChild<QWidget*>(objectName);
-    if (child == nullptr) {
+    if (!child)
         ADD_FAILURE() << window->objectName().toStdString() << " has no control "
                       << objectName.toStdString();
-    }
     return child;
 }
 

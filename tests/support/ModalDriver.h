@@ -19,32 +19,23 @@ class ModalDriver : public QObject {
 
   public:
     using Action = std::function<void(QWidget* modal)>;
-
     ModalDriver();
-    ~ModalDriver() override;
-
     ModalDriver& On(const QString& objectName, Action action);
-
     // Presses button "OK", "Yes" or "No" of message box number; "Enter" lets its default answer.
     ModalDriver& Message(int number, const QString& button);
-
     // Runs body while the steps run; a step late past timeoutMs, or left over, fails the
     // test (and a late one closes every modal window, so that no test hangs).
     void Run(const std::function<void()>& body, int timeoutMs = 10000);
-
     std::vector<int> messages;  // the boxes that Message steps answered, in order
 
   private:
     struct Step {
         QString objectName;
-        int messageNumber = -1;
+        int messageNumber;
         Action action;
         std::string description;
     };
-
     void Poll();
-    void Abort(const std::string& why);
-
     std::deque<Step> steps_;
     QTimer timer_;
     qint64 waitingSince_ = 0;

@@ -22,8 +22,7 @@ TempDir::TempDir() {
 }
 
 TempDir::~TempDir() {
-    std::error_code ignored;
-    // Directories made unwritable by a test must not keep their contents.
+    std::error_code ignored;  // a directory a test made unwritable is removed all the same
     fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
     fs::remove_all(path_, ignored);
 }
@@ -41,9 +40,8 @@ void TempDir::Write(const std::string& name, const std::vector<uint8_t>& bytes) 
 
 std::vector<std::string> TempDir::List() const {
     std::vector<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_)) {
-        names.push_back(entry.path().filename().string());
-    }
+    for (const auto& entry : fs::directory_iterator(path_))
+        names.push_back(entry.path().filename());
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -62,9 +60,8 @@ ParameterImage TempProject::ParamTmp() const {
 
 ParameterImage DefaultImage(const std::string& cpuType) {
     ParameterImage image;
-    if (!platform::BuildDefaultImage(cpuType, image.data())) {
+    if (!platform::BuildDefaultImage(cpuType, image.data()))
         throw std::runtime_error("no default image for \"" + cpuType + "\"");
-    }
     return image;
 }
 
@@ -73,33 +70,26 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir) 
     state.CpuType = cpuType;
     state.CpuCode = CpuCodeOf(cpuType);
     state.ProjectDir = projectDir;
-    // The host libraries answer for the CPU of the last setup, as in a run.
     std::string dir = projectDir, cpu = cpuType;
     RkSetupGlobal(dir.data(), cpu.data(), state.CpuCode, nullptr);
     if (const auto* sizes = platform::FindDeviceSizes(cpuType)) {
         state.image = DefaultImage(cpuType);
-        for (char letter : DeviceMaxSizes::kLetters) {
+        for (char letter : DeviceMaxSizes::kLetters)
             state.DeviceMaxSize[letter] = static_cast<int16_t>(*sizes->Of(letter));
-        }
     }
     return state;
 }
 
 MessageButton ScriptedMessages::Present(const MessageBoxLook& box) {
     shown.push_back(box);
-    if (!answers.empty()) {
-        const MessageButton answer = answers.front();
-        answers.pop_front();
-        return answer;
+    if (answers.empty()) {
+        return box.style == kStyleYesNoNoDefault    ? MessageButton::No
+               : box.style == kStyleYesNoYesDefault ? MessageButton::Yes
+                                                    : MessageButton::Ok;
     }
-    switch (box.style) {
-        case kStyleYesNoNoDefault:
-            return MessageButton::No;
-        case kStyleYesNoYesDefault:
-            return MessageButton::Yes;
-        default:
-            return MessageButton::Ok;
-    }
+    const MessageButton answer = answers.front();
+    answers.pop_front();
+    return answer;
 }
 
 std::vector<int> ScriptedMessages::Numbers() const {
@@ -110,20 +100,17 @@ std::vector<int> ScriptedMessages::Numbers() const {
 
 std::vector<int> DifferingBytes(const ParameterImage& a, const ParameterImage& b) {
     std::vector<int> indices;
-    for (int i = 0; i < kImageSize; ++i) {
+    for (int i = 0; i < kImageSize; ++i)
         if (a[i] != b[i]) indices.push_back(i);
-    }
     return indices;
 }
 
 std::string RecordedErrors(const ErrorTables& errors) {
     std::string text;
-    for (int m = 0; m <= kMaxMessageNo; ++m) {
-        for (int c = 0; c <= kMaxControlNo; ++c) {
-            if (!errors.ControlErrorFlags[c][m]) continue;
-            text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
-        }
-    }
+    for (int m = 0; m <= kMaxMessageNo; ++m)
+        for (int c = 0; c <= kMaxControlNo; ++c)
+            if (errors.ControlErrorFlags[c][m])
+                text += (text.empty() ? "" : " ") + std::to_string(m) + ":" + std::to_string(c);
     return text;
 }
 

@@ -22,7 +22,6 @@ class TempDir {
     ~TempDir();
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
-
     const std::string& Path() const { return path_; }  // with its trailing "/"
     std::string File(const std::string& name) const { return path_ + name; }
     bool Exists(const std::string& name) const { return std::filesystem::exists(path_ + name); }
@@ -32,7 +31,6 @@ class TempDir {
         std::ofstream(path_ + name) << text;
     }
     std::vector<std::string> List() const;  // the entries' names, sorted
-
   private:
     std::string path_;
 };
@@ -61,12 +59,10 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir =
 class ScriptedMessages : public MessagePresenter {
   public:
     MessageButton Present(const MessageBoxLook& box) override;
-
     ScriptedMessages& Then(MessageButton answer) {
         answers.push_back(answer);
         return *this;
     }
-
     std::deque<MessageButton> answers;
     std::vector<MessageBoxLook> shown;
     std::vector<int> Numbers() const;  // of the boxes shown, in order
