@@ -26,7 +26,6 @@ struct Walk {
     std::set<QString> windows;  // the object names of the windows met
     std::vector<QString> faults;
     std::map<std::string, QString> read;  // "cpu window field" -> "name | description"
-
     void Check(QWidget* window) {
         std::map<QString, QString> seen;  // name -> object name
         const QString where = QString::fromStdString(cpu) + " " + window->objectName() + ": ";
@@ -53,7 +52,6 @@ struct Walk {
                 faults.push_back(where + label->objectName() + " names a field not shown");
         }
     }
-
     // The menu items whose dialog has joined; a dialog's enabled buttons but those closing it.
     std::vector<QPointer<QAbstractButton>> Openers(QWidget* window) {
         std::vector<QPointer<QAbstractButton>> buttons;
@@ -69,7 +67,6 @@ struct Walk {
         }
         return buttons;
     }
-
     // Checks window and presses each button, twice round to reach those of another page; a
     // window that opens is walked the same way and closed without saving.
     void Explore(QWidget* window) {

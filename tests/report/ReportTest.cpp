@@ -45,10 +45,40 @@ TEST(WorkbookTemplate, KindAndSheetsOrNothing) {
         EXPECT_FALSE(ParseWorkbookTemplate(text)) << text;
 }
 
-// For a U-type CPU, through the dialogs' own Write functions: sub program 2 K steps, comment
-// 8 K bytes, D100-D199 latched, I3 counted by C227, slots 0 and 1 X16 "AX41" and Y32, RUN
-// contact X1F, one M-NET/MINI module.
-ParameterImage EditedImage(ParameterImage image, const DialogContext& context) {
+// One sheet per dialog the menu offers the CPU type, with the values the dialog shows.
+TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
+    const std::pair<std::string, std::string> cases[] = {
+        // the first word of each name
+        {"A0J", "Memory Latch I/O Supplementary "},
+        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary "},
+        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote "},
+        {"A3H", "Memory Latch Timer/Counter I/O Supplementary "},
+        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
+        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
+        {"A4 ", "Memory Latch I/O Supplementary "}};  // not a CPU type: no failure
+    test::TempDir dir;
+    for (const auto& [cpu, names] : cases) {
+        std::string built;
+        const ParameterImage image = test::DefaultImage(cpu == "A4 " ? "A3 " : cpu);
+        for (const Sheet& sheet : BuildParameterReport(image, ReportContext(cpu, dir.Path())))
+            built += sheet.name.substr(0, sheet.name.find(' ')) + " ";
+        EXPECT_EQ(built, names) << cpu;
+    }
+    // The "A3U" report of the default image and of one edited through the dialogs.
+    const Names shown[2][6] = {{{"CPU type A3U", "Main", "6 K steps"},
+                                {"1000", "2047", "not latched"},
+                                {"T0-255", "No counter counts interrupts."},
+                                {"No slot is assigned."},
+                                {"Before operation", "Fuse blown", "Stop"},
+                                {"Number of Modules", "No module is set."}},
+                               {{"2 K steps", "8 K bytes (448Points)"},
+                                {"100", "199"},
+                                {"I3", "C227"},
+                                {"X16", "Input module", "AX41", "Y32", "Output module"},
+                                {"RUN", "X1F"},
+                                {"1A0", "X100", "M9016", "D9010", "OFF"}}};
+    const DialogContext context = ReportContext("A3U", dir.Path());
+    ParameterImage image = test::DefaultImage("A3U");  // edited through the dialogs' Write
     MemoryFields memory = ReadMemory(image, context);
     memory.Text1[kSub1] = "2";
     memory.Text2 = "8";
@@ -73,53 +103,12 @@ ParameterImage EditedImage(ParameterImage image, const DialogContext& context) {
     mini.Text1 = "1";
     mini.Text2 = {"1A0", "MINI", "12", "X100", "Y100", "5", "CPU", "Hold", "M9016", "D9010", "OFF"};
     WriteMINI(mini, image, context);
-    return image;
-}
-
-// One sheet per dialog the menu offers the CPU type, with the values the dialog shows.
-TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
-    const std::pair<std::string, std::string> cases[] = {
-        // the first word of each name
-        {"A0J", "Memory Latch I/O Supplementary "},
-        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote "},
-        {"A3H", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
-        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
-        {"A4 ", "Memory Latch I/O Supplementary "}};  // not a CPU type: no failure
-    test::TempDir dir;
-    for (const auto& [cpu, names] : cases) {
-        std::string built;
-        const ParameterImage image = test::DefaultImage(cpu == "A4 " ? "A3 " : cpu);
-        for (const Sheet& sheet : BuildParameterReport(image, ReportContext(cpu, dir.Path()))) {
-            built += sheet.name.substr(0, sheet.name.find(' ')) + " ";
-        }
-        EXPECT_EQ(built, names) << cpu;
-    }
-    // The "A3U" report of the default image and of one edited through the dialogs.
-    const Names shown[2][6] = {{{"CPU type A3U", "Main", "6 K steps"},
-                                {"1000", "2047", "not latched"},
-                                {"T0-255", "No counter counts interrupts."},
-                                {"No slot is assigned."},
-                                {"Before operation", "Fuse blown", "Stop"},
-                                {"Number of Modules", "No module is set."}},
-                               {{"2 K steps", "8 K bytes (448Points)"},
-                                {"100", "199"},
-                                {"I3", "C227"},
-                                {"X16", "Input module", "AX41", "Y32", "Output module"},
-                                {"RUN", "X1F"},
-                                {"1A0", "X100", "M9016", "D9010", "OFF"}}};
-    const DialogContext context = ReportContext("A3U", dir.Path());
     for (const bool edit : {false, true}) {
-        const ParameterImage image = test::DefaultImage("A3U");
-        const auto sheets =
-            BuildParameterReport(edit ? EditedImage(image, context) : image, context);
+        const auto sheets = BuildParameterReport(edit ? image : test::DefaultImage("A3U"), context);
         for (std::size_t s = 0; s < sheets.size(); ++s) {
             const std::string printed = SheetsToHtml({sheets[s]}, "", "");
-            for (const std::string& value : shown[edit][s]) {
-                EXPECT_NE(printed.find(value), std::string::npos)
-                    << sheets[s].name << ": " << value;
-            }
+            for (const std::string& value : shown[edit][s])
+                EXPECT_NE(printed.find(value), std::string::npos) << sheets[s].name << value;
         }
     }
 }

@@ -74,7 +74,6 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_EQ(window->Owner(), &menu);
         EXPECT_TRUE(window->Heading->text().contains("100 bytes"));
         EXPECT_FALSE(window->Print->isEnabled());
-
         CopyFileAtomically(project.File("param.tmp"), project.File("param.$$p"));
         SpreadsheetWorkbook* book =
             OpenAsPrinting(*application, project, "Parameter mode.xls",
@@ -132,7 +131,6 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     std::vector<uint8_t> file = project.Read("param.$$$");
     EXPECT_EQ(window->CellOf(1030)->text().toStdString(), ByteText(file[1030]));
     EXPECT_FALSE(window->CellOf(1071)->flags() & Qt::ItemIsEditable);
-
     window->CellOf(1030)->setText("5a");
     EXPECT_TRUE(window->Status->text().startsWith("1 changed byte"));
     window->CellOf(1031)->setText("G");  // refused: the byte keeps its value
@@ -143,7 +141,6 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     // The sheet holds the bytes too: its first row of the block starts at 1024.
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1), "1024");
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1 + 1 + 6), "5A");
-
     // Meanwhile the component rewrote the file; its bytes stay.
     file[64] = 0x42;
     project.Write("param.$$$", file);
@@ -151,13 +148,11 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     file[1030] = 0x5A;
     EXPECT_EQ(project.Read("param.$$$"), file);
     EXPECT_TRUE(window->Edits().empty());
-
     // Closing with a change not saved asks; Save writes it, then the workbook closes.
     window->CellOf(2560)->setText("2");
     QTimer::singleShot(50, [] {
-        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
             box->button(QMessageBox::Save)->click();
-        }
     });
     window->Close->click();
     file[2560] = 2;
@@ -170,7 +165,6 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
 // it is open, and the hand-over file goes with the run.
 TEST(SpreadsheetEndToEnd, TheMenuWaitsForTheReportWindowThenSaves) {
     test::TempProject project("A3 ");
-    int sheets = 0;
     test::ModalDriver driver;
     driver
         .On("frmMenu",
@@ -178,19 +172,17 @@ TEST(SpreadsheetEndToEnd, TheMenuWaitsForTheReportWindowThenSaves) {
         .Message(24, "Yes")
         .On("frmMenu", [](QWidget* menu) { test::PressKey(menu, Qt::Key_End); })
         .Message(15, "OK")  // not while the report is open
-        .On("frmMenu", [&sheets](QWidget* menu) {
+        .On("frmMenu", [](QWidget* menu) {
             QWidget* report = nullptr;
             for (QWidget* w : QApplication::topLevelWidgets())
                 if (w->objectName() == "frmSpreadsheet" && w->isVisible()) report = w;
             ASSERT_NE(report, nullptr);
-            sheets = test::ChildAs<QTabWidget>(report, "Sheets")->count();
             test::ChildAs<QPushButton>(report, "Close")->click();
             test::PressKey(menu, Qt::Key_End);
         });
     const test::RunOutcome run = test::RunParameterMode(project, driver);
     EXPECT_EQ(run.result, 1) << run.error;
     EXPECT_EQ(driver.messages, (std::vector<int>{24, 15}));
-    EXPECT_EQ(sheets, 5);  // one a dialog of the "A3 "
     EXPECT_FALSE(project.Exists("param.$$p"));
 }
 
