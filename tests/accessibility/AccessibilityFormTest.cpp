@@ -1,11 +1,11 @@
-// What a screen reader meets in every window a run opens from the menu, for every CPU type:
-// each field shown has an accessible name no other field of its window shares, and a label
-// that names a field names one shown beside it.
+// In every window a run opens, for every CPU type, each field shown has an accessible name of
+// its own, and a label that names a field names one shown beside it.
 
 #include <gtest/gtest.h>
 
 #include <QtWidgets>
 #include <map>
+#include <ranges>
 #include <set>
 
 #include "common/qt/DialogRegistry.h"
@@ -15,11 +15,6 @@
 
 namespace gantrix {
 namespace {
-
-QString Read(QWidget* widget, QAccessible::Text text) {
-    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
-    return face == nullptr ? QString() : face->text(text);
-}
 
 bool IsField(QWidget* w) {
     return qobject_cast<QLineEdit*>(w) || qobject_cast<QComboBox*>(w) ||
@@ -31,24 +26,21 @@ struct Walk {
     std::set<QString> windows;  // the object names of the windows met
     std::vector<QString> faults;
     std::map<std::string, QString> read;  // "cpu window field" -> "name | description"
-
     void Check(QWidget* window) {
         std::map<QString, QString> seen;  // name -> object name
         const QString where = QString::fromStdString(cpu) + " " + window->objectName() + ": ";
         for (QWidget* w : window->findChildren<QWidget*>()) {
             if (!IsField(w) || !w->isVisibleTo(window)) continue;
-            const QString name = Read(w, QAccessible::Name);
-            if (name.trimmed().isEmpty())
-                faults.push_back(where + w->objectName() + " has no name");
+            QAccessibleInterface* face = QAccessible::queryAccessibleInterface(w);
+            const QString name = face->text(QAccessible::Name);
+            if (name.trimmed().isEmpty()) faults.push_back(where + w->objectName() + " no name");
             read[cpu + " " + (window->objectName() + " " + w->objectName()).toStdString()] =
-                name + " | " + Read(w, QAccessible::Description);
-            // A spin button and its arrows, a combo box's text box and a push button are
-            // read with the field they belong to, or are not fields to fill.
+                name + " | " + face->text(QAccessible::Description);
+            // Parts of a spin button or combo box, and push buttons, need no name of their own.
             QWidget* parent = w->parentWidget();
             if (qobject_cast<SpinButton*>(parent) || qobject_cast<QComboBox*>(parent) ||
-                qobject_cast<SpinButton*>(w) || qobject_cast<QPushButton*>(w)) {
+                qobject_cast<SpinButton*>(w) || qobject_cast<QPushButton*>(w))
                 continue;
-            }
             const auto [it, fresh] = seen.emplace(name, w->objectName());
             if (!fresh)
                 faults.push_back(where + w->objectName() + " and " + it->second + " share " + name);
@@ -56,43 +48,32 @@ struct Walk {
         for (QLabel* label : window->findChildren<QLabel*>()) {
             QWidget* buddy = label->buddy();
             if (buddy == nullptr || !label->isVisibleTo(window)) continue;
-            if (buddy->window() != window || !IsField(buddy) || !buddy->isVisibleTo(window)) {
+            if (buddy->window() != window || !IsField(buddy) || !buddy->isVisibleTo(window))
                 faults.push_back(where + label->objectName() + " names a field not shown");
-            }
         }
     }
-
-    // The buttons that lead somewhere: the menu items whose dialog has joined, and every
-    // enabled button of a dialog but those that close it (a message box is only read).
+    // The menu items whose dialog has joined; a dialog's enabled buttons but those closing it.
     std::vector<QPointer<QAbstractButton>> Openers(QWidget* window) {
         std::vector<QPointer<QAbstractButton>> buttons;
         if (auto* menu = qobject_cast<frmMenu*>(window)) {
-            for (int i = 0; i < 8; ++i) {
-                if (menu->MenuItem[i]->isEnabled() && IsDialogRegistered(menu->ActionOf(i))) {
+            for (int i = 0; i < 8; ++i)
+                if (menu->MenuItem[i]->isEnabled() && IsDialogRegistered(menu->ActionOf(i)))
                     buttons.emplace_back(menu->MenuItem[i]);
-                }
-            }
         } else if (window->objectName() != "MessageBox") {
             static const std::set<QString> closing = {"OK", "Cancel", "Clear", "Close"};
-            for (QPushButton* b : window->findChildren<QPushButton*>()) {
-                if (b->isVisibleTo(window) && b->isEnabled() && !closing.count(b->objectName())) {
+            for (QPushButton* b : window->findChildren<QPushButton*>())
+                if (b->isVisibleTo(window) && b->isEnabled() && !closing.count(b->objectName()))
                     buttons.emplace_back(b);
-                }
-            }
         }
         return buttons;
     }
-
-    // Checks window, then presses each of its buttons, twice round so that a button that
-    // leads somewhere only on another page is pressed there too: a window that opens is
-    // walked the same way and closed without saving; a page turn gets the window checked.
+    // Checks window and presses each button, twice round to reach those of another page; a
+    // window that opens is walked the same way and closed without saving.
     void Explore(QWidget* window) {
         windows.insert(window->objectName());
         Check(window);
-        std::vector<QPointer<QAbstractButton>> buttons = Openers(window);
-        const auto once = buttons;
-        buttons.insert(buttons.end(), once.begin(), once.end());
-        for (const QPointer<QAbstractButton>& button : buttons) {
+        const auto rounds = std::vector(2, Openers(window));
+        for (const QPointer<QAbstractButton>& button : rounds | std::views::join) {
             if (button.isNull() || !button->isEnabled()) continue;
             bool opened = false;
             QTimer poll;
@@ -127,9 +108,8 @@ TEST(Accessibility, EveryFieldOfEveryWindowHasItsOwnName) {
     for (const QString& fault : walk.faults) ADD_FAILURE() << fault.toStdString();
     for (const char* name : {"frmMenu", "frmMemory", "frmLatch", "frmTimerCounter",
                              "frmInterruptCounter", "frmIOLayout", "frmTypeNameSet", "frmStepRelay",
-                             "frmAssistance", "frmRemote", "frmMINI", "frmNetworkMenu"}) {
+                             "frmAssistance", "frmRemote", "frmMINI", "frmNetworkMenu"})
         EXPECT_TRUE(walk.windows.count(name)) << name << " was not reached";
-    }
     // The names say what a field is: its row and column captions, the range as a description.
     const std::pair<const char*, const char*> names[] = {
         {"A3U frmLatch Text1(0)", "L, start | 0 to 8191"},

@@ -1,7 +1,7 @@
 #pragma once
-// A spreadsheet registered as "excel.application" while it lives: it logs the calls (and,
-// through LoggingMessages, the message boxes) in order, opens files that exist as workbooks of
-// one sheet "TEMP", and throws on calls whose entry starts with a prefix of failing.
+// A spreadsheet registered as "excel.application" while it lives: it logs calls and message
+// boxes in order, opens existing files as books of one sheet "TEMP", and throws on calls
+// starting with a prefix of failing.
 
 #include <filesystem>
 #include <map>
@@ -17,9 +17,8 @@ struct ExcelLog {
     std::vector<std::string> entries, failing;
     void Add(const std::string& entry) {
         entries.push_back(entry);
-        for (const std::string& prefix : failing) {
+        for (const std::string& prefix : failing)
             if (entry.rfind(prefix, 0) == 0) throw std::runtime_error("refused: " + entry);
-        }
     }
 };
 
@@ -29,18 +28,18 @@ struct RecordingBook : excel::Workbook {
     std::vector<excel::Worksheet*> Worksheets() override { return {&temp}; }
     void Activate() override { log.Add("Activate " + name); }
     struct Temp : excel::Worksheet {
-        explicit Temp(RecordingBook* book) : book(book) {}
         RecordingBook* book;
+        explicit Temp(RecordingBook* book) : book(book) {}
         std::string Name() const override { return "TEMP"; }
-        static std::string At(int row, int column) {
-            return char('A' + column - 1) + std::to_string(row);
+        static std::string At(int row, int col) {
+            return char('A' + col - 1) + std::to_string(row);
         }
-        std::string CellText(int row, int column) const override {
-            return book->cells.count(At(row, column)) ? book->cells.at(At(row, column)) : "";
+        std::string CellText(int row, int col) const override {
+            return book->cells.count(At(row, col)) ? book->cells.at(At(row, col)) : "";
         }
-        void SetCell(int row, int column, const std::string& value) override {
-            book->log.Add("Cell TEMP!" + At(row, column) + " " + value);
-            book->cells[At(row, column)] = value;
+        void SetCell(int row, int col, const std::string& value) override {
+            book->log.Add("Cell TEMP!" + At(row, col) + " " + value);
+            book->cells[At(row, col)] = value;
         }
     };
     ExcelLog& log;
@@ -59,20 +58,20 @@ struct RecordingApp : excel::Application {
     excel::Workbook* Open(const std::string& file) override {
         log.Add("Open " + file);
         if (!std::filesystem::is_regular_file(file)) throw std::runtime_error("no " + file);
-        const std::string name = std::filesystem::path(file).filename().string();
-        return books.emplace_back(std::make_unique<RecordingBook>(log, name)).get();
+        return books
+            .emplace_back(std::make_unique<RecordingBook>(
+                log, std::filesystem::path(file).filename().string()))
+            .get();
     }
     void Run(const std::string& macro) override { log.Add("Run " + macro); }
     void SetVisible(bool visible) override { log.Add("Visible " + std::to_string(visible)); }
     int WindowState() const override { return windowState; }
     void SetWindowState(int state) override {
-        log.Add("WindowState " + std::to_string(state));
-        windowState = state;
+        log.Add("WindowState " + std::to_string(windowState = state));
     }
     RecordingBook* Book(const std::string& name) {
-        for (auto& book : books) {
+        for (auto& book : books)
             if (book->name == name) return book.get();
-        }
         return nullptr;
     }
     ExcelLog& log;
@@ -83,17 +82,16 @@ struct RecordingApp : excel::Application {
 // running: an instance runs already; creatable: a new one can be started.
 struct RecordingExcel {
     explicit RecordingExcel(bool running = false, bool creatable = true) {
+        auto give = [this](const char* call, bool gives) {
+            log.Add(call);
+            return gives ? std::static_pointer_cast<excel::Application>(app) : nullptr;
+        };
         replaced = excel::RegisterApplicationClass(
-            "excel.application",
-            {[this, running] { return Give("GetObject", running || started); },
-             [this, creatable] { return Give("Create", started = creatable); }});
+            "excel.application", {[=, this] { return give("GetObject", running || started); },
+                                  [=, this] { return give("Create", started = creatable); }});
     }
     ~RecordingExcel() { excel::RegisterApplicationClass("excel.application", replaced); }
     RecordingExcel(const RecordingExcel&) = delete;  // the registration holds this
-    std::shared_ptr<excel::Application> Give(const std::string& call, bool gives) {
-        log.Add(call);
-        return gives ? app : nullptr;
-    }
     ExcelLog log;
     std::shared_ptr<RecordingApp> app = std::make_shared<RecordingApp>(log);
     bool started = false;
