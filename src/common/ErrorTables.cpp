@@ -5,11 +5,6 @@
 
 namespace gantrix {
 
-void ErrorTables::Clear() {
-    ErrorMessageFlags.fill(false);
-    for (auto& row : ControlErrorFlags) row.fill(false);
-}
-
 void ErrorTables::Record(int message, int control) {
     ErrorMessageFlags.at(message) = true;
     if (control >= 0) ControlErrorFlags.at(control).at(message) = true;

@@ -14,7 +14,6 @@ struct ErrorTables {
     std::array<bool, kMaxMessageNo + 1> ErrorMessageFlags{};
     std::array<std::array<bool, kMaxMessageNo + 1>, kMaxControlNo + 1> ControlErrorFlags{};
 
-    void Clear();
     // Records message for control (a global control number); control -1 records the message
     // alone.
     void Record(int message, int control);

@@ -130,13 +130,13 @@ extern "C" {
 
 #define GANTRIX_REAL(name) \
     static const auto real = reinterpret_cast<decltype(&::name)>(::dlsym(RTLD_NEXT, #name))
-#define GANTRIX_WRAP(type, name, params, spec, hit, args) \
-    type name params spec {                               \
-        GANTRIX_REAL(name);                               \
-        return hit ? -1 : real args;                      \
+#define GANTRIX_WRAP(type, name, params, except, hit, args) \
+    type name params except {                               \
+        GANTRIX_REAL(name);                                 \
+        return hit ? -1 : real args;                        \
     }
-#define GANTRIX_FD(type, name, params, spec, args)                                              \
-    GANTRIX_WRAP(type, name, params, spec, S().armed.load() && Hit(#name, PathOf(S().fds, fd)), \
+#define GANTRIX_FD(type, name, params, except, args)                                              \
+    GANTRIX_WRAP(type, name, params, except, S().armed.load() && Hit(#name, PathOf(S().fds, fd)), \
                  args)
 #define GANTRIX_PATH(name, params, args) \
     GANTRIX_WRAP(int, name, params, noexcept, Under(path) && Hit(#name, path), args)
