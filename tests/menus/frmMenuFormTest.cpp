@@ -252,6 +252,7 @@ struct NetworkMenuFixture {
 
 TEST(frmNetworkMenu, AConfirmedClearingIsSavedBeforeTheEditingStarts) {
     NetworkMenuFixture f(1, 2);
+    EXPECT_EQ(test::LayoutFaults(f.menu.get()), std::vector<std::string>{});
     EXPECT_EQ(f.state.image[2560], 2);  // taken over from "param.$$$", its option checked
     EXPECT_TRUE(f.menu->MenuItem[2]->isChecked() && f.menu->focusWidget() == f.menu->MenuItem[2]);
     f.menu->MenuItem[0]->click();

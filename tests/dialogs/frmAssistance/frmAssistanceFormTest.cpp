@@ -35,8 +35,10 @@ TEST(frmAssistance, ControlsPerTypeAndOkWithoutEditInItAndItsFollowOnChangeNoByt
             (std::vector<bool>{layout.extended, layout.watchdog, layout.xyControl, layout.comment,
                                layout.endManage, !layout.followOn.empty()}));
         test::ModalDriver driver;
-        driver.On(QString::fromStdString(layout.followOn),
-                  [](QWidget* followOn) { PressKey(followOn, Qt::Key_End); });
+        driver.On(QString::fromStdString(layout.followOn), [](QWidget* followOn) {
+            EXPECT_FALSE(followOn->windowTitle().isEmpty());
+            PressKey(followOn, Qt::Key_End);
+        });
         if (!layout.followOn.empty()) driver.Run([&] { f->AssistMenuItem->click(); });
         PressKey(f->StepRelayFlag, Qt::Key_End);
         EXPECT_TRUE(f.Closed() && f.messages.shown.empty() && f.state.ParamChanged);

@@ -30,8 +30,8 @@ TEST(frmMemory, EveryEditRecomputesTheTotalAtOnceAndMarksTheDialogChanged) {
     Retype(m.Text1[0], "");
     QTest::keyClicks(m.Text1[0], "1x2");  // the letter is discarded
     EXPECT_EQ(m.Text5->text(), "44");
-    Retype(m.Text2, "10");
-    EXPECT_EQ(m.CommentPoints->text(), "(576Points)");
+    Retype(m.Text2, "010");  // a leading zero goes as it is typed
+    EXPECT_EQ(m.Text2->text() + m.CommentPoints->text(), "10(576Points)");
     Retype(m.Text4, "4");
     Click(m.SlatchFileFlag);
     // Spin buttons: 99 at the top, 0 at the bottom, so the up arrow raises the value.

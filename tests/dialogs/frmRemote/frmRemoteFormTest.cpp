@@ -71,7 +71,7 @@ TEST(frmRemote, EnterAndArrowsMoveThroughTheTable) {
         {"Text2(1)", Qt::Key_Return, "Text2(15)"},  // filled: its protocol
         {"Text2(15)", Qt::Key_Return, "Text2(2)"}, {"Text2(27)", Qt::Key_Return, "OK"},
         {"Text1", Qt::Key_Down, "OnlineMode(0)"}, {"Text1", Qt::Key_Right, "Text2(0)", -1},
-        {"Text2(6)", Qt::Key_Down, "Text2(6)"}, {"Text2(8)", Qt::Key_Up, "Text2(7)"},
+        {"Text2(5)", Qt::Key_Down, "Text2(6)"}, {"Text2(6)", Qt::Key_Down, "Text2(6)"}, {"Text2(8)", Qt::Key_Up, "Text2(7)"},
         {"Text2(15)", Qt::Key_Right, "Text2(8)", -1}, {"Text2(22)", Qt::Key_Left, "Text2(8)"},
         {"Text2(1)", Qt::Key_Left, "Text2(1)", 1},  // inside the text the caret moves
         {"Text2(27)", Qt::Key_Down, "Clear"}};
