@@ -31,6 +31,9 @@ TEST(frmLatch, HexadecimalKeysOnlyInTheBAndWBoxesAndSpinButtonsInTheirRadix) {
               (QStringList{"1A0", "0A", "12", "1234", "3FF"}));
     l.VScroll1[3]->UpButton()->click();  // hexadecimal boxes count in hexadecimal
     EXPECT_EQ(l.Text1[3]->text(), "400");
+    PressKey(l.Text1[3], Qt::Key_Home);  // a letter typed inside is upper-cased where it stands
+    TypeKeys(l.Text1[3], "a");
+    EXPECT_EQ(l.Text1[3]->text() + QString::number(l.Text1[3]->cursorPosition()), "A4001");
     l.VScroll1[0]->UpButton()->click();
     EXPECT_EQ(l.Text1[0]->text(), "1001");
     l.VScroll1[10]->DownButton()->click();  // an empty box shows where it stands
