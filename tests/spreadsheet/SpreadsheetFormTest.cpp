@@ -100,6 +100,8 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_NE(heads.at(0).find("Parameter setting data"), std::string::npos);
         for (int s = 1; s < 5; ++s)
             EXPECT_EQ(std::count(heads.begin(), heads.end(), sheets[s]->Name()), 1) << s;
+        EXPECT_TRUE(window->SaveXlsxTo(QString::fromStdString(project.File("report.xlsx"))));
+        EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
         application->SetWindowState(excel::kWindowMinimized);
         EXPECT_EQ(application->WindowState(), excel::kWindowMinimized);
         application->SetWindowState(excel::kWindowNormal);
