@@ -140,8 +140,11 @@ Sheet LatchSheet(const ParameterImage& image, const DialogContext& context) {
     const LatchLimits limits = LatchRowLimits(image, context);
     Rows rows;
     for (int r = 0; r < LatchRowCount(context.CpuType); ++r) {
-        rows.push_back({Res(kLatchRowCaptions[r]), f.Text1[2 * r], f.Text1[2 * r + 1],
-                        Bare(LatchRangeLabel(limits, r))});
+        // Rows 8..11 repeat the captions of the first timer and counter block.
+        const std::string device =
+            Res(kLatchRowCaptions[r]) + (r >= 8 ? ", " + Res(ids::AccessibleSecondBlock) : "");
+        rows.push_back(
+            {device, f.Text1[2 * r], f.Text1[2 * r + 1], Bare(LatchRangeLabel(limits, r))});
     }
     Sheet sheet = NewSheet(ids::LatchRangeSetting, context);
     sheet.AddTable("", {"Device", "Latch start", "Latch end", "Device range"}, std::move(rows));

@@ -26,7 +26,8 @@ constexpr int kEndManage = 140;
 constexpr int kComment = 208;
 constexpr int kFuseCut = 164, kCalcErr = 169, kIOErr = 163, kActErr = 165;
 constexpr int kXYControlBytes[4] = {255, 15, 240, 0};
-constexpr int kContactBase = 32768;  // word of X0
+constexpr int kContactBase = 32768;      // word of X0
+constexpr size_t kRawContactDigits = 6;  // word and mask of a contact no X number gives
 
 int Control(const char* name) {
     return GetControlNo("frmAssistance", name);
@@ -48,6 +49,18 @@ long ContactValue(const std::string& text) {
     return HexToValue(PadZero4(t));
 }
 
+// The six hexadecimal digits of a contact shown as its word and mask, upper-cased; "" for
+// any other text.
+std::string RawContact(const std::string& text) {
+    std::string t = Trim(text);
+    if (t.size() != kRawContactDigits) return "";
+    for (char& c : t) {
+        if (!std::isxdigit(static_cast<unsigned char>(c))) return "";
+        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    }
+    return t;
+}
+
 void EraseContact(ParameterImage& image, int word, int mask) {
     image.SetParamWord(kErased, word);
     image[mask] = 255;
@@ -64,14 +77,14 @@ void ReadOption(const ParameterImage& image, int index, int& option) {
     if (image[index] == 0 || image[index] == 1) option = image[index];
 }
 
-// A first or last step relay: empty records 11, out of low..high 3; one message per box.
-bool CheckStepRelayBox(ErrorTables& errors, int control, const std::string& text, long low,
+// A first or last step relay: empty records 11, out of low..high 3.
+void CheckStepRelayBox(ErrorTables& errors, int control, const std::string& text, long low,
                        long high) {
     if (IsEmpty(text)) {
         errors.Record(11, control);
-        return false;
+    } else {
+        CheckAssistanceRange(errors, control, text, low, high);
     }
-    return CheckAssistanceRange(errors, control, text, low, high);
 }
 
 void WriteStepRelays(const AssistanceFields& fields, ParameterImage& image,
@@ -130,6 +143,10 @@ AssistanceLayout AssistanceLayoutOf(const std::string& cpu) {
 }
 
 ContactCode EncodeContact(const std::string& text) {
+    if (const std::string raw = RawContact(text); !raw.empty()) {
+        return {static_cast<int>(HexToValue(raw.substr(0, 4))),
+                static_cast<int>(HexToValue(PadZero4(raw.substr(4))))};
+    }
     const long value = std::max(ContactValue(text), 0L);
     const long digits = value / 16;  // all but the last hexadecimal digit
     const long last = value % 16;
@@ -137,9 +154,13 @@ ContactCode EncodeContact(const std::string& text) {
 }
 
 std::string DecodeContact(int word, int mask) {
-    if (word < kContactBase) return "";
-    const int offset = word - kContactBase;
     char text[16];
+    const bool singleBit = mask > 0 && mask < 256 && (mask & (mask - 1)) == 0;
+    if (word < kContactBase || word % 2 != 0 || !singleBit) {
+        std::snprintf(text, sizeof text, "%04X%02X", word & 0xFFFF, mask & 0xFF);
+        return text;
+    }
+    const int offset = word - kContactBase;
     std::snprintf(text, sizeof text, "%X", offset / 4);
     std::string shown = text;
     for (int bit = 0; bit < 8; ++bit) {
@@ -220,18 +241,19 @@ ErrorTables ValidateAssistance(const AssistanceFields& fields, const ParameterIm
     ErrorTables errors;
     const AssistanceLayout layout = AssistanceLayoutOf(context.CpuType);
 
-    // Each step relay box carries at most one message: a missing number (11) before its range
-    // (3). The order of the range (8) is checked only between two numbers each in range, and
-    // marks both boxes, since either may be the one to change.
+    // Each step relay box carries one of a missing number (11) and its range (3). The order of
+    // the range (8) is checked between any two numbers, in range or not, and marks both boxes,
+    // since either may be the one to change; an empty box has no number to compare.
     if (fields.StepRelayFlag) {
         const long low = FirstStepRelayLimit(image);
         const long high = context.DeviceMaxSize['M'] - 1;
         const int start = Control("Text1(0)");
-        const bool startValid = CheckStepRelayBox(errors, start, fields.Text1[0], low, high);
+        CheckStepRelayBox(errors, start, fields.Text1[0], low, high);
         if (layout.extended) {
             const int end = Control("Text1(1)");
-            const bool endValid = CheckStepRelayBox(errors, end, fields.Text1[1], low, high);
-            if (startValid && endValid && ValueOf(fields.Text1[0]) > ValueOf(fields.Text1[1])) {
+            CheckStepRelayBox(errors, end, fields.Text1[1], low, high);
+            if (!IsEmpty(fields.Text1[0]) && !IsEmpty(fields.Text1[1]) &&
+                ValueOf(fields.Text1[0]) > ValueOf(fields.Text1[1])) {
                 errors.Record(8, start);
                 errors.Record(8, end);
             }

@@ -64,10 +64,12 @@ struct ContactCode {
     int mask = 255;
     bool operator==(const ContactCode&) const = default;
 };
-// text: an X number in hexadecimal, at most four digits.
+// text: an X number in hexadecimal, at most four digits, or the six digits DecodeContact
+// shows for bytes no X number gives, which come back as they were.
 ContactCode EncodeContact(const std::string& text);
-// The X number of a stored contact; a mask that names no single bit gives no last digit, a
-// word below 32768 no number at all.
+// The X number of a stored contact. Bytes no X number gives (a word below X0's 32768 or odd, a
+// mask that names no single bit) show as the word and the mask in six hexadecimal digits: no
+// X number has that many, so the check refuses the box and the user decides what it holds.
 std::string DecodeContact(int word, int mask);
 
 // The lowest first step relay: the first latch relay (word 16), 0 when L is not latched.

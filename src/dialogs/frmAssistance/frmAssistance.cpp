@@ -55,12 +55,13 @@ frmAssistance::frmAssistance(ModuleState& state)
 void frmAssistance::BuildControls() {
     const DialogContext context = ContextOf(State());
     auto label = [this](int id) { return new QLabel(ResText(id), this); };
-    auto edit = [this](const QString& name, int digits) {
+    // shown: the digits the box has room for, which may be more than can be typed.
+    auto edit = [this](const QString& name, int digits, int shown) {
         auto* e = new QLineEdit(this);
         e->setObjectName(name);
         LimitTyping(e, digits);
         e->setAlignment(Qt::AlignRight);
-        e->setFixedWidth(e->fontMetrics().horizontalAdvance(QString(digits + 1, '8')) + 12);
+        e->setFixedWidth(e->fontMetrics().horizontalAdvance(QString(shown, '8')) + 12);
         return e;
     };
     auto spin = [this](const QString& name, int top, int bottom) {
@@ -93,12 +94,13 @@ void frmAssistance::BuildControls() {
     const int lastRelay = context.DeviceMaxSize['M'] - 1;
     const int firstRelay = FirstStepRelayLimit(State().image);
     for (int i = 0; i < 2; ++i) {
-        Text1[i] = edit(QString("Text1(%1)").arg(i), 4);
+        Text1[i] = edit(QString("Text1(%1)").arg(i), 4, 5);
         VScroll1[i] = spin(QString("VScroll1(%1)").arg(i), lastRelay, firstRelay);
-        Text2[i] = edit(QString("Text2(%1)").arg(i), 4);
+        // A contact whose bytes no X number gives shows six digits (DecodeContact).
+        Text2[i] = edit(QString("Text2(%1)").arg(i), 4, 6);
         VScroll2[i] = spin(QString("VScroll2(%1)").arg(i), context.DeviceMaxSize['X'] - 1, 0);
     }
-    Text3 = edit("Text3", 3);
+    Text3 = edit("Text3", 3, 4);
     VScroll3 = spin("VScroll3", 200, 1);
     boxes_ = {Box{Text1[0], VScroll1[0], false}, Box{Text1[1], VScroll1[1], false},
               Box{Text2[0], VScroll2[0], true}, Box{Text2[1], VScroll2[1], true},

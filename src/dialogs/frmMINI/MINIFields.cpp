@@ -109,12 +109,16 @@ long DeviceNumberValue(char letter, const std::string& number) {
     return ValueOf(text);
 }
 
-// The highest start I/O number of the CPU type.
+// The highest start I/O number of the CPU type. The record keeps the number / 16 in a byte
+// whose 255 means "not set", so FF0 and above cannot be stored even where the CPU has them:
+// refused rather than lost on the next load.
 long StartIoLimit(const DialogContext& context) {
-    if (context.CpuType == "A2U") return 0x3FF;
-    if (context.CpuType == "A3U") return 0x7FF;
-    if (context.CpuType == "A4U") return 0xFFF;
-    return context.DeviceMaxSize['X'] - 1;
+    constexpr long kHighestStored = 254 * 16 + 15;
+    long limit = context.DeviceMaxSize['X'] - 1;
+    if (context.CpuType == "A2U") limit = 0x3FF;
+    if (context.CpuType == "A3U") limit = 0x7FF;
+    if (context.CpuType == "A4U") limit = 0xFFF;
+    return std::min(limit, kHighestStored);
 }
 
 // The device points a device cell may address: the device size (L and S share M's, R has

@@ -30,8 +30,23 @@ TEST(AssistanceContacts, EncodeAndReadBack) {
         EXPECT_EQ(EncodeContact(c.typed), (ContactCode{c.word, c.mask})) << c.typed;
         EXPECT_EQ(DecodeContact(c.word, c.mask), c.shown) << c.typed;
     }
-    // A mask naming no single bit shows no last digit; a word below X0 shows nothing.
-    EXPECT_EQ(DecodeContact(32774, 3) + DecodeContact(32774, 0) + DecodeContact(32767, 1), "11");
+}
+
+// Contact bytes no X number gives are shown, refused and kept until a contact is typed.
+TEST(AssistanceContacts, DamagedBytesAreShownRefusedAndKept) {
+    // clang-format off
+    const struct { int word, mask; std::string shown; } cases[] = {
+        {32767, 1, "7FFF01"}, {32776, 3, "800803"}, {32769, 1, "800101"}, {kErased, 255, "FFFFFF"}};
+    // clang-format on
+    for (const auto& c : cases) {
+        ParameterImage image = ImageWith("A4U", {{170, 1}, {176, c.word}, {178, c.mask}});
+        const ParameterImage stored = image;
+        const AssistanceFields f = ReadAssistance(image, Ctx("A4U"));
+        EXPECT_EQ(f.Text2[0] + " " + test::RecordedErrors(ValidateAssistance(f, image, Ctx("A4U"))),
+                  c.shown + " 3:48");
+        WriteAssistance(f, image, Ctx("A4U"));
+        EXPECT_EQ(test::DifferingBytes(image, stored), std::vector<int>{}) << c.shown;
+    }
 }
 
 TEST(AssistanceStepRelays, WordsPerStateOfTheCheckBoxAndBack) {
@@ -81,7 +96,7 @@ TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
         {"A2 ", {{16, 65535}}, true, "0", "", "", "", "20", ""},  // without a latched L, from 0
         {"A3U", {}, true, "3000", "2047", "7FF", "", "", "8:46 8:47"},
         {"A3U", {}, true, "", "9000", "", "", "", "3:47 11:46"},
-        {"A3U", {}, true, "9000", "2047", "", "", "", "3:46"},  // no order beside it
+        {"A3U", {}, true, "9000", "2047", "", "", "", "3:46 8:46 8:47"},
         {"A3U", {}, true, "900", "", "800", "", "", "3:46 3:48 11:47"}};
     // clang-format on
     for (const auto& c : cases) {

@@ -75,7 +75,8 @@ TEST(MiniChecks, EachCellRule) {
                    int marked = -1; /* the field marked, if not the one set */ } cases[] = {
         {"A3U", -1, "9", 3}, {"A3U", -1, "", 2}, {"A3U", -1, "0", 0},
         {"A3U", kStartIo, "", 2}, {"A3U", kStartIo, "108", 11}, {"A2U", kStartIo, "1000", 3},
-        {"A2U", kStartIo, "3F0", 0}, {"A2U", kStartIo, "400", 3}, {"A4U", kStartIo, "FF0", 0},
+        {"A2U", kStartIo, "3F0", 0}, {"A2U", kStartIo, "400", 3}, {"A4U", kStartIo, "FE0", 0},
+        {"A4U", kStartIo, "FF0", 3},  // stored as 255, "not set"
         {"A2A", kStartIo, "1F0", 0}, {"A2A", kStartIo, "200", 3}, {"A3U", kModel, "", 2},
         {"A3U", kStations, "", 2}, {"A3U", kStations, "64", 0}, {"A3U", kStations, "65", 3},
         {"A3U", kStations, "------", 3}, {"A3U", kSend, "X100", 11}, {"A3U", kReceive, "Y100", 11},
@@ -150,6 +151,11 @@ TEST(MiniRecords, LoadReadsTheGroupsAreaAsTheCellsKeepIt) {
     WriteMINI(f, image, ContextFor("A2U"));
     EXPECT_EQ(Bytes(image.data() + 2322, image.data() + 2328),
               (Bytes{0x00, 0x21, 0xBF, 0xFF, 0xFF, 0xFF}));
+    image.SetParamWord(9, 2312);  // more modules than rows: none shown, and OK refuses
+    MINIFields nine;
+    nine.Text1 = "9";
+    EXPECT_EQ(ReadMINI(image, ContextFor("A2U")), nine);
+    EXPECT_EQ(test::RecordedErrors(ValidateMINI(nine, ContextFor("A2U"), 0)), "3:80");
 }
 
 }  // namespace
