@@ -162,16 +162,37 @@ TEST(NetworkBytes, SaveChangesOnlyTheEditedBytes) {
     for (int i = 0; i < kImageSize; ++i) file[i] = static_cast<uint8_t>(i);
     dir.Write("param.$$$", file);
     const std::string path = dir.File("param.$$$");
-    const std::map<int, uint8_t> edits = {{1024, 1}, {2055, 0xAB}, {2560, 2}, {3042, 0x7F}};
-    WriteNetworkBytes(path, edits);
+    const std::map<int, uint8_t> edits = {{1024, 0}, {2055, 0xAB}, {2560, 2}, {3042, 0x7F}};
+    WriteNetworkBytes(path, edits, 3);
     for (const auto& [index, value] : edits) file[index] = value;
-    EXPECT_EQ(dir.Read("param.$$$"), file);
+    const std::vector<uint8_t> saved = dir.Read("param.$$$");
+    std::copy_n(saved.begin() + 2056, 3, file.begin() + 2056);  // the sum: below
+    EXPECT_EQ(saved, file);
     for (int index : {1071, 2056, 1023, 3043, 64}) {
-        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}), RuntimeError) << index;
+        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}, 0), RuntimeError) << index;
         EXPECT_EQ(dir.Read("param.$$$"), file) << index;
     }
     dir.Write("param.$$$", std::vector<uint8_t>(100, 0));
-    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}), RuntimeError);
+    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}, 0), RuntimeError);
+}
+
+// A workbook of mode 0..2 puts its mode bits into 2560 (the upper two kept) while 1024 is not
+// 0; the U types' one leaves it. The sum of 1024..2055 goes to 2056..2058, low byte first.
+TEST(NetworkBytes, SaveWritesTheModeBitsAndTheSum) {
+    // clang-format off
+    const struct { int mode, b1024, b2560, saved2560, sum; } cases[] = {
+        {0, 1, 0x82, 0xBF, 0x0402FA}, {1, 1, 0xFF, 0xC1, 0x0402FA}, {2, 5, 0x3F, 0x02, 0x0402FE},
+        {3, 1, 0x41, 0x41, 0x0402FA}, {2, 0, 0xFF, 0xFF, 0x0402F9}, {-1, 1, 0x41, 0x41, 0x0402FA}};
+    // clang-format on
+    for (const auto& c : cases) {
+        ParameterImage file;
+        file.bytes().fill(0xFF);
+        file[2560] = static_cast<uint8_t>(c.b2560);
+        ApplyNetworkSave(file, {{1024, static_cast<uint8_t>(c.b1024)}}, c.mode);
+        EXPECT_EQ(file[2560], c.saved2560) << c.mode;
+        EXPECT_EQ(file[2056] | file[2057] << 8 | file[2058] << 16, c.sum) << c.mode;
+        EXPECT_EQ(file[525], 0xFF);  // the main check bytes are the run's
+    }
 }
 
 }  // namespace

@@ -143,13 +143,33 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     // The sheet holds the bytes too: its first row of the block starts at 1024.
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1), "1024");
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1 + 1 + 6), "5A");
-    // Meanwhile the component rewrote the file; its bytes stay.
+    // Meanwhile the component rewrote the file outside the bytes shown; they stay.
     file[64] = 0x42;
     project.Write("param.$$$", file);
     window->Save->click();
-    file[1030] = 0x5A;
-    EXPECT_EQ(project.Read("param.$$$"), file);
+    EXPECT_EQ(project.Read("param.$$$")[64], 0x42);
+    EXPECT_EQ(project.Read("param.$$$")[1030], 0x5A);
     EXPECT_TRUE(window->Edits().empty());
+    // Rewritten under the window: brought to the front, it shows the file as it is; with an
+    // edit made before, Save asks, and Keep saves the edit over the new bytes.
+    file = project.Read("param.$$$");
+    file[1031] = 0x77;
+    project.Write("param.$$$", file);
+    book->Activate();
+    EXPECT_EQ(window->CellOf(1031)->text(), "77");
+    window->CellOf(1032)->setText("01");
+    file[1031] = 0x78;
+    project.Write("param.$$$", file);
+    QString asked;
+    QTimer::singleShot(50, [&asked] {
+        if (QWidget* box = QApplication::activeModalWidget()) {
+            asked = box->objectName();
+            test::ChildAs<QPushButton>(box, "Keep")->click();
+        }
+    });
+    window->Save->click();
+    file = project.Read("param.$$$");
+    EXPECT_TRUE(asked == "FileChanged" && file[1031] == 0x78 && file[1032] == 1);
     // Closing with a change not saved asks; Save writes it, then the workbook closes.
     window->CellOf(2560)->setText("2");
     QTimer::singleShot(50, [] {
@@ -157,8 +177,7 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
             box->button(QMessageBox::Save)->click();
     });
     window->Close->click();
-    file[2560] = 2;
-    EXPECT_EQ(project.Read("param.$$$"), file);
+    EXPECT_EQ(project.Read("param.$$$")[2560], 2);
     EXPECT_TRUE(application->Workbooks().empty());
     QApplication::processEvents();
 }
