@@ -71,9 +71,10 @@ Sheet NetworkSheet(const std::string& name, const std::vector<uint8_t>& file) {
             }
             rows.push_back(std::move(row));
         }
+        // Hexadecimal bytes such as "10" are no numbers.
         sheet.AddTable(std::string(range.title) + " (" + std::to_string(range.first) + "-" +
                            std::to_string(range.last) + ")",
-                       headings, std::move(rows));
+                       headings, std::move(rows), true);
     }
     return sheet;
 }

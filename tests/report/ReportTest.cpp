@@ -50,11 +50,11 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
     const std::pair<std::string, std::string> cases[] = {
         // the first word of each name
         {"A0J", "Memory Latch I/O Supplementary "},
-        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote "},
-        {"A3H", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
-        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
+        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary Network/Link "},
+        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote Network/Link "},
+        {"A3H", "Memory Latch Timer/Counter I/O Supplementary Network/Link "},
+        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI Network/Link "},
+        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI Network/Link "},
         {"A4 ", "Memory Latch I/O Supplementary "}};  // not a CPU type: no failure
     test::TempDir dir;
     for (const auto& [cpu, names] : cases) {
@@ -65,18 +65,22 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
         EXPECT_EQ(built, names) << cpu;
     }
     // The "A3U" report of the default image and of one edited through the dialogs.
-    const Names shown[2][6] = {{{"CPU type A3U", "Main", "6 K steps"},
-                                {"1000", "2047", "not latched"},
-                                {"T0-255", "No counter counts interrupts."},
-                                {"No slot is assigned."},
-                                {"Before operation", "Fuse blown", "Stop"},
-                                {"Number of Modules", "No module is set."}},
-                               {{"2 K steps", "8 K bytes (448Points)"},
-                                {"100", "199"},
-                                {"I3", "C227"},
-                                {"X16", "Input module", "AX41", "Y32", "Output module"},
-                                {"RUN", "X1F"},
-                                {"1A0", "X100", "M9016", "D9010", "OFF"}}};
+    const Names shown[2][7] = {
+        {{"CPU type A3U", "Main", "6 K steps"},
+         {"1000", "2047", "not latched"},
+         {"T0-255", "No counter counts interrupts."},
+         {"No slot is assigned."},
+         {"Before operation", "Fuse blown", "Stop"},
+         {"Number of Modules", "No module is set."},
+         {"Empty (byte 1024 is 0)", "No network parameters", ", the sum"}},
+        {{"2 K steps", "8 K bytes (448Points)"},
+         {"100", "199"},
+         {"I3", "C227"},
+         {"X16", "Input module", "AX41", "Y32", "Output module"},
+         {"RUN", "X1F"},
+         {"1A0", "X100", "M9016", "D9010", "OFF"},
+         {"Holds network", "MORNET II mode (byte 2560 = 42)", ", not the sum",
+          "<td>1024</td><td>01</td>", "<td>FF</td><td>5A</td>"}}};
     const DialogContext context = ReportContext("A3U", dir.Path());
     ParameterImage image = test::DefaultImage("A3U");  // edited through the dialogs' Write
     MemoryFields memory = ReadMemory(image, context);
@@ -103,8 +107,12 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
     mini.Text1 = "1";
     mini.Text2 = {"1A0", "MINI", "12", "X100", "Y100", "5", "CPU", "Hold", "M9016", "D9010", "OFF"};
     WriteMINI(mini, image, context);
+    image[1024] = 1;  // as a network workbook saves them, without the sum
+    image[1030] = 0x5A;
+    image[2560] = 0x42;
     for (const bool edit : {false, true}) {
         const auto sheets = BuildParameterReport(edit ? image : test::DefaultImage("A3U"), context);
+        ASSERT_EQ(sheets.size(), 7u);
         for (std::size_t s = 0; s < sheets.size(); ++s) {
             const std::string printed = SheetsToHtml({sheets[s]}, "", "");
             for (const std::string& value : shown[edit][s])
@@ -122,6 +130,7 @@ TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
     test::TempDir dir;
     Sheet sheet{"Timer/Counter", {}};
     sheet.AddTable("Title", {"", "Head"}, {{"12", "012"}, {"", "x&y"}});
+    sheet.AddTable("", {}, {{"10"}}, true);  // a hexadecimal byte
     EXPECT_THROW(WriteXlsx({sheet}, dir.File("missing/r.xlsx")), RuntimeError);
     EXPECT_TRUE(dir.List().empty());
     WriteXlsx({sheet}, dir.File("r.xlsx"));
@@ -132,13 +141,15 @@ TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
         const std::vector<uint8_t> bytes = dir.Read(part);
         xml.append(bytes.begin(), bytes.end());
     }
-    for (const char* part :
-         {R"(<sheet name="Timer-Counter")",
-          R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si>)",
-          R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
-          R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
-          R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
-          R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row></sheetData>)"}) {
+    for (
+        const char* part :
+        {R"(<sheet name="Timer-Counter")",
+         R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si><si><t>10</t></si>)",
+         R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
+         R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
+         R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
+         R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row>)"
+         R"(<row r="6" spans="1:2"><c r="A6" t="s"><v>4</v></c></row></sheetData>)"}) {
         EXPECT_NE(xml.find(part), std::string::npos) << part;
     }
 }

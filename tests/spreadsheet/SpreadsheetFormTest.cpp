@@ -82,24 +82,35 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_EQ(book->Name(), "dprojectParameter mode.xls");
         EXPECT_TRUE(window->Print->isEnabled());
         const std::vector<excel::Worksheet*> sheets = book->Worksheets();
-        ASSERT_EQ(sheets.size(), 6u);
+        ASSERT_EQ(sheets.size(), 7u);
         EXPECT_EQ(sheets[0]->CellText(1, 1), "CPU type A3 ");
-        EXPECT_EQ(sheets[5]->Name(), "TEMP");
-        EXPECT_EQ(sheets[5]->CellText(1, 1), "Param");
-        // Printed, each sheet begins a page of its own, after the title page.
+        EXPECT_EQ(sheets[6]->Name(), "TEMP");
+        EXPECT_EQ(sheets[6]->CellText(1, 1), "Param");
+        // Printed, each sheet begins a page of its own, and every page names the project, the
+        // CPU type, the day and its number.
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(QString::fromStdString(project.File("report.pdf")));
         window->PrintTo(printer);
+        QStringList order = window->PageSheets(printer);
+        order.erase(std::unique(order.begin(), order.end()), order.end());
+        QStringList names;
+        for (int s = 0; s < 6; ++s) names << QString::fromStdString(sheets[s]->Name());
+        EXPECT_EQ(order, names);
         ASSERT_EQ(std::system(("pdftotext '" + project.File("report.pdf") + "'").c_str()), 0);
         const std::vector<uint8_t> text = project.Read("report.txt");
         std::istringstream pdf(std::string(text.begin(), text.end()));
-        std::vector<std::string> heads;  // the first line of each page
-        for (std::string page; std::getline(pdf >> std::ws, page, '\f');)
-            heads.push_back(page.substr(0, page.find('\n')));
-        EXPECT_NE(heads.at(0).find("Parameter setting data"), std::string::npos);
-        for (int s = 1; s < 5; ++s)
-            EXPECT_EQ(std::count(heads.begin(), heads.end(), sheets[s]->Name()), 1) << s;
+        std::vector<std::string> pages;
+        for (std::string page; std::getline(pdf >> std::ws, page, '\f');) pages.push_back(page);
+        ASSERT_EQ(pages.size(), static_cast<std::size_t>(window->PageSheets(printer).size()));
+        const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
+        for (std::size_t p = 0; p < pages.size(); ++p)
+            for (const std::string& part :
+                 {"Project " + project.Path(), std::string("CPU type A3"), "Printed " + today,
+                  "page " + std::to_string(p + 1) + " of " + std::to_string(pages.size())})
+                EXPECT_NE(pages[p].find(part), std::string::npos) << p << part;
+        EXPECT_NE(pages.front().find("Parameter setting data"), std::string::npos);
+        EXPECT_NE(pages.back().find("3040"), std::string::npos);  // the last row of bytes
         EXPECT_TRUE(window->SaveXlsxTo(QString::fromStdString(project.File("report.xlsx"))));
         EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
         application->SetWindowState(excel::kWindowMinimized);
