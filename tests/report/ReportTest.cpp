@@ -65,22 +65,18 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
         EXPECT_EQ(built, names) << cpu;
     }
     // The "A3U" report of the default image and of one edited through the dialogs.
+    // clang-format off
     const Names shown[2][7] = {
-        {{"CPU type A3U", "Main", "6 K steps"},
-         {"1000", "2047", "not latched"},
-         {"T0-255", "No counter counts interrupts."},
-         {"No slot is assigned."},
-         {"Before operation", "Fuse blown", "Stop"},
-         {"Number of Modules", "No module is set."},
+        {{"CPU type A3U", "Main", "6 K steps"}, {"1000", "2047", "not latched"},
+         {"T0-255", "No counter counts interrupts."}, {"No slot is assigned."},
+         {"Before operation", "Fuse blown", "Stop"}, {"Number of Modules", "No module is set."},
          {"Empty (byte 1024 is 0)", "No network parameters", ", the sum"}},
-        {{"2 K steps", "8 K bytes (448Points)"},
-         {"100", "199"},
-         {"I3", "C227"},
-         {"X16", "Input module", "AX41", "Y32", "Output module"},
-         {"RUN", "X1F"},
+        {{"2 K steps", "8 K bytes (448Points)"}, {"100", "199"}, {"I3", "C227"},
+         {"X16", "Input module", "AX41", "Y32", "Output module"}, {"RUN", "X1F"},
          {"1A0", "X100", "M9016", "D9010", "OFF"},
          {"Holds network", "MORNET II mode (byte 2560 = 42)", ", not the sum",
           "<td>1024</td><td>01</td>", "<td>FF</td><td>5A</td>"}}};
+    // clang-format on
     const DialogContext context = ReportContext("A3U", dir.Path());
     ParameterImage image = test::DefaultImage("A3U");  // edited through the dialogs' Write
     MemoryFields memory = ReadMemory(image, context);
@@ -141,15 +137,15 @@ TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
         const std::vector<uint8_t> bytes = dir.Read(part);
         xml.append(bytes.begin(), bytes.end());
     }
-    for (
-        const char* part :
-        {R"(<sheet name="Timer-Counter")",
-         R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si><si><t>10</t></si>)",
-         R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
-         R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
-         R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
-         R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row>)"
-         R"(<row r="6" spans="1:2"><c r="A6" t="s"><v>4</v></c></row></sheetData>)"}) {
+    for (const char* part :
+         {R"(<sheet name="Timer-Counter")",
+          R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si>)"
+          R"(<si><t>10</t></si>)",
+          R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
+          R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
+          R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
+          R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row>)"
+          R"(<row r="6" spans="1:2"><c r="A6" t="s"><v>4</v></c></row></sheetData>)"}) {
         EXPECT_NE(xml.find(part), std::string::npos) << part;
     }
 }
@@ -165,45 +161,35 @@ TEST(NetworkBytes, ByteTextBothWays) {
     }
 }
 
-// The edited bytes change, the others stay as the file holds them; bytes outside the
-// network ranges, and the I/O-assignment flag, are refused and the file left alone.
-TEST(NetworkBytes, SaveChangesOnlyTheEditedBytes) {
-    test::TempDir dir;
-    std::vector<uint8_t> file(kImageSize);
-    for (int i = 0; i < kImageSize; ++i) file[i] = static_cast<uint8_t>(i);
-    dir.Write("param.$$$", file);
-    const std::string path = dir.File("param.$$$");
-    const std::map<int, uint8_t> edits = {{1024, 0}, {2055, 0xAB}, {2560, 2}, {3042, 0x7F}};
-    WriteNetworkBytes(path, edits, 3);
-    for (const auto& [index, value] : edits) file[index] = value;
-    const std::vector<uint8_t> saved = dir.Read("param.$$$");
-    std::copy_n(saved.begin() + 2056, 3, file.begin() + 2056);  // the sum: below
-    EXPECT_EQ(saved, file);
-    for (int index : {1071, 2056, 1023, 3043, 64}) {
-        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}, 0), RuntimeError) << index;
-        EXPECT_EQ(dir.Read("param.$$$"), file) << index;
-    }
-    dir.Write("param.$$$", std::vector<uint8_t>(100, 0));
-    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}, 0), RuntimeError);
-}
-
-// A workbook of mode 0..2 puts its mode bits into 2560 (the upper two kept) while 1024 is not
-// 0; the U types' one leaves it. The sum of 1024..2055 goes to 2056..2058, low byte first.
-TEST(NetworkBytes, SaveWritesTheModeBitsAndTheSum) {
+// Save: the edited bytes change, the others stay as the file holds them; a workbook of mode
+// 0..2 puts its mode bits into 2560 (the upper two kept) while 1024 is not 0, the U types' one
+// leaves it; the sum of 1024..2055 goes to 2056..2058, low byte first. Bytes outside the
+// network ranges, and the I/O-assignment flag, are refused, the file left alone.
+TEST(NetworkBytes, SaveWritesTheEditsTheModeBitsAndTheSum) {
     // clang-format off
     const struct { int mode, b1024, b2560, saved2560, sum; } cases[] = {
         {0, 1, 0x82, 0xBF, 0x0402FA}, {1, 1, 0xFF, 0xC1, 0x0402FA}, {2, 5, 0x3F, 0x02, 0x0402FE},
         {3, 1, 0x41, 0x41, 0x0402FA}, {2, 0, 0xFF, 0xFF, 0x0402F9}, {-1, 1, 0x41, 0x41, 0x0402FA}};
     // clang-format on
+    test::TempDir dir;
+    const std::string path = dir.File("param.$$$");
     for (const auto& c : cases) {
-        ParameterImage file;
-        file.bytes().fill(0xFF);
+        std::vector<uint8_t> file(kImageSize, 0xFF);
         file[2560] = static_cast<uint8_t>(c.b2560);
-        ApplyNetworkSave(file, {{1024, static_cast<uint8_t>(c.b1024)}}, c.mode);
+        file[64] = 0x42;
+        dir.Write("param.$$$", file);
+        WriteNetworkBytes(path, {{1024, static_cast<uint8_t>(c.b1024)}, {3042, 7}}, c.mode);
+        file = dir.Read("param.$$$");
         EXPECT_EQ(file[2560], c.saved2560) << c.mode;
         EXPECT_EQ(file[2056] | file[2057] << 8 | file[2058] << 16, c.sum) << c.mode;
-        EXPECT_EQ(file[525], 0xFF);  // the main check bytes are the run's
+        EXPECT_TRUE(file[64] == 0x42 && file[3042] == 7 && file[525] == 0xFF) << c.mode;
     }
+    for (int index : {1071, 2056, 1023, 3043}) {
+        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}, 0), RuntimeError) << index;
+        EXPECT_EQ(dir.Read("param.$$$")[1030], 0xFF) << index;
+    }
+    dir.Write("param.$$$", std::vector<uint8_t>(100, 0));
+    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}, 0), RuntimeError);
 }
 
 }  // namespace
