@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "report/ParameterReport.h"
+#include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
-#include "store/ParameterImage.h"
 #include "store/RuntimeError.h"
 
 namespace gantrix {
@@ -71,23 +71,50 @@ Sheet NetworkSheet(const std::string& name, const std::vector<uint8_t>& file) {
             }
             rows.push_back(std::move(row));
         }
+        // Hexadecimal bytes such as "10" are no numbers.
         sheet.AddTable(std::string(range.title) + " (" + std::to_string(range.first) + "-" +
                            std::to_string(range.last) + ")",
-                       headings, std::move(rows));
+                       headings, std::move(rows), true);
     }
     return sheet;
 }
 
-void WriteNetworkBytes(const std::string& path, const std::map<int, uint8_t>& edits) {
-    ParameterImage file = ReadParameterFile(path);
+int WorkbookModeBits(int modeIndex) {
+    static constexpr int kBits[] = {63, 1, 2};
+    return modeIndex >= 0 && modeIndex < 3 ? kBits[modeIndex] : -1;
+}
+
+void ApplyNetworkSave(ParameterImage& file, const std::map<int, uint8_t>& edits, int modeIndex) {
     for (const auto& [index, value] : edits) {
         if (!IsEditableNetworkByte(index)) {
             throw RuntimeError(kErrPathFileAccess,
                                "Byte " + std::to_string(index) + " is not a network byte");
         }
-        file[index] = value;
     }
+    for (const auto& [index, value] : edits) file[index] = value;
+    const int bits = WorkbookModeBits(modeIndex);
+    if (bits >= 0 && file[1024] != 0) file[2560] = static_cast<uint8_t>((file[2560] & 0xC0) | bits);
+    // Without a CPU type the check bytes of the main block are left alone: only the network
+    // sum is written, by the same rule as the run's save.
+    SetCheckSum(file, "", true);
+}
+
+void WriteNetworkBytes(const std::string& path, const std::map<int, uint8_t>& edits,
+                       int modeIndex) {
+    ParameterImage file = ReadParameterFile(path);
+    ApplyNetworkSave(file, edits, modeIndex);
     WriteFileAtomically(path, {file.bytes().begin(), file.bytes().end()});
+}
+
+bool NetworkBytesDiffer(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+    for (const ByteRange& range : kNetworkRanges) {
+        for (int index = range.first; index <= range.last; ++index) {
+            const auto at = static_cast<std::size_t>(index);
+            if ((at < a.size()) != (at < b.size())) return true;
+            if (at < a.size() && a[at] != b[at]) return true;
+        }
+    }
+    return false;
 }
 
 }  // namespace gantrix

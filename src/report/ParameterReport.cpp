@@ -12,7 +12,10 @@
 #include "dialogs/frmRemote/RemoteFields.h"
 #include "dialogs/frmStepRelay/StepRelayFields.h"
 #include "dialogs/frmTimerCounter/TimerCounterFields.h"
+#include "menus/NetworkMenuRules.h"
 #include "platform/rkcmnt/DeviceTable.h"
+#include "report/NetworkBytes.h"
+#include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
 #include "store/RuntimeError.h"
 
@@ -329,6 +332,56 @@ Sheet MiniSheet(const ParameterImage& image, const DialogContext& context) {
     return sheet;
 }
 
+// The CPU types whose parameter menu edits network settings: all but the smallest.
+bool HasNetworkSettings(const std::string& cpu) {
+    for (const char* code :
+         {"A0H", "A1S", "A1 ", "A2C", "A2 ", "A3 ", "A3H", "A2A", "A3A", "A2U", "A3U", "A4U"}) {
+        if (cpu == code) return true;
+    }
+    return false;
+}
+
+std::string SumText(const ParameterImage& image) {
+    return ByteText(image[2056]) + " " + ByteText(image[2057]) + " " + ByteText(image[2058]);
+}
+
+Sheet NetworkLinkSheet(const ParameterImage& image, const DialogContext& context) {
+    // The mode as the network menu reads it; -1 stands for bits of no mode.
+    const int16_t mode = NetworkModeOf(image, -1);
+    std::string modeText;
+    switch (mode) {
+        case 0:
+            modeText = "No network parameters";
+            break;
+        case 1:
+            modeText = Res(ids::MornetIICombinationMode);
+            break;
+        case 2:
+            modeText = Res(ids::MornetIIMode);
+            break;
+        case 3:
+            modeText = Res(ids::MornetMode);
+            break;
+        default:
+            modeText = "No MORNET mode (mode bits " + std::to_string(image[2560] & 0x3F) + ")";
+    }
+    ParameterImage summed = image;
+    SetCheckSum(summed, "", true);  // the network sum alone
+    const std::string stored = SumText(image);
+    Sheet sheet = NewSheet(ids::NetworkLinkSetting, context);
+    sheet.AddTable("", {kSetting, kValue},
+                   {{"Network block",
+                     image[1024] == 0 ? "Empty (byte 1024 is 0)" : "Holds network parameters"},
+                    {"Network mode", modeText + " (byte 2560 = " + ByteText(image[2560]) + ")"},
+                    {"Network sum (2056-2058)",
+                     stored + (stored == SumText(summed)
+                                   ? ", the sum of the block"
+                                   : ", not the sum of the block: " + SumText(summed))}});
+    const Sheet bytes = NetworkSheet(sheet.name, {image.bytes().begin(), image.bytes().end()});
+    sheet.rows.insert(sheet.rows.end(), bytes.rows.begin(), bytes.rows.end());
+    return sheet;
+}
+
 }  // namespace
 
 DialogContext ReportContext(const std::string& cpuType, const std::string& projectDir) {
@@ -356,6 +409,7 @@ std::vector<Sheet> BuildParameterReport(const ParameterImage& image, const Dialo
     const std::string followOn = AssistanceLayoutOf(context.CpuType).followOn;
     if (followOn == "frmRemote") sheets.push_back(RemoteSheet(image, context));
     if (followOn == "frmMINI") sheets.push_back(MiniSheet(image, context));
+    if (HasNetworkSettings(context.CpuType)) sheets.push_back(NetworkLinkSheet(image, context));
     return sheets;
 }
 

@@ -6,7 +6,9 @@
 // Sheets, by CPU type: Memory Capacity Setting and Latch Range Setting (all), Timer/Counter
 // Setting with the interrupt counters (all but A0J), I/O Assignment with the model names
 // (all), Supplementary Functions (the step relay choice for A0J), Remote I/O, Remote Terminal
-// Setting (A2C), M-NET/MINI Auto-refresh Setting (A2A A3A A2U A3U A4U).
+// Setting (A2C), M-NET/MINI Auto-refresh Setting (A2A A3A A2U A3U A4U), Network/Link Setting
+// (all but A0J: the stored mode, whether the block is empty, its sum, and the bytes of the
+// network block and the link data as the network workbooks show them).
 
 #include <string>
 #include <vector>

@@ -53,10 +53,10 @@ int Sheet::ColumnCount() const {
 }
 
 void Sheet::AddTable(const std::string& title, std::vector<std::string> headings,
-                     std::vector<std::vector<std::string>> body) {
+                     std::vector<std::vector<std::string>> body, bool hex) {
     if (!title.empty()) rows.push_back({RowKind::Title, {title}});
-    if (!headings.empty()) rows.push_back({RowKind::Header, std::move(headings)});
-    for (auto& cells : body) rows.push_back({RowKind::Body, std::move(cells)});
+    if (!headings.empty()) rows.push_back({RowKind::Header, std::move(headings), hex});
+    for (auto& cells : body) rows.push_back({RowKind::Body, std::move(cells), hex});
     rows.push_back({RowKind::Blank, {}});
 }
 
@@ -115,7 +115,9 @@ std::string SheetsToHtml(const std::vector<Sheet>& sheets, const std::string& ti
                         html += "<table border=\"1\" cellspacing=\"0\" cellpadding=\"3\">\n";
                         open = true;
                     }
-                    html += Cells(row, row.kind == RowKind::Header ? "th" : "td", columns);
+                    html += row.kind == RowKind::Header
+                                ? "<thead>" + Cells(row, "th", columns) + "</thead>"
+                                : Cells(row, "td", columns);
                     break;
             }
         }

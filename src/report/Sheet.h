@@ -13,6 +13,9 @@ enum class RowKind { Title, Header, Body, Note, Blank };
 struct SheetRow {
     RowKind kind = RowKind::Body;
     std::vector<std::string> cells;
+    // A row of hexadecimal bytes: text even where it reads as a number ("10"), and narrow
+    // however many cells it has.
+    bool hex = false;
 };
 
 struct Sheet {
@@ -26,13 +29,14 @@ struct Sheet {
     int ColumnCount() const;
 
     // Appends a table: its title, its headings (none when empty), its rows, then a blank line.
+    // hex marks its headings and body as rows of hexadecimal bytes.
     void AddTable(const std::string& title, std::vector<std::string> headings,
-                  std::vector<std::vector<std::string>> body);
+                  std::vector<std::vector<std::string>> body, bool hex = false);
     void AddNote(const std::string& text);
 };
 
 // The sheets as an HTML document for printing: a heading and the tables of each sheet, every
-// sheet after the first on a new page.
+// sheet after the first on a new page; a table's headings repeat on each page it runs over.
 std::string SheetsToHtml(const std::vector<Sheet>& sheets, const std::string& title,
                          const std::string& subtitle);
 

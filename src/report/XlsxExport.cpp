@@ -75,7 +75,7 @@ void WriteSheet(lxw_workbook* book, const Sheet& sheet, lxw_format* title, lxw_f
             if (text.empty()) continue;
             const auto at = static_cast<lxw_row_t>(r);
             const auto column = static_cast<lxw_col_t>(c);
-            if (row.kind == RowKind::Body && IsWholeNumber(text)) {
+            if (row.kind == RowKind::Body && !row.hex && IsWholeNumber(text)) {
                 Check(
                     worksheet_write_number(worksheet, at, column, std::atof(text.c_str()), nullptr),
                     path);

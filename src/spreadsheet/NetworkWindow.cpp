@@ -1,5 +1,6 @@
 #include "spreadsheet/NetworkWindow.h"
 
+#include <QEvent>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QHeaderView>
@@ -8,6 +9,7 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTimer>
 #include <QVBoxLayout>
 #include <exception>
 #include <stdexcept>
@@ -98,14 +100,36 @@ void NetworkWindow::AutoOpen() {
     const std::string projectDir = Book()->TempCell(30, 2);
     // Without a project directory there is no working file to show, and none to guess.
     path_ = projectDir.empty() ? "" : projectDir + kParamWork;
+    const std::string mode = Book()->TempCell(32, 2);
+    modeIndex_ = mode.size() == 1 && mode[0] >= '0' && mode[0] <= '3' ? mode[0] - '0' : -1;
+    const int bits = WorkbookModeBits(modeIndex_);
+    const QString modeNote =
+        bits < 0 ? QString()
+                 : QString(
+                       " and, while byte 1024 is not 0, the mode bits %1 of this workbook in "
+                       "the low six bits of byte 2560")
+                       .arg(bits);
     Heading->setText(
         QString("<b>%1</b> (CPU type %2)<br>%3<br>The fields of the network block are not "
                 "decoded here: each byte is shown and edited as a hexadecimal value 00 to FF. "
-                "Save writes the changed bytes into this file; the parameter menu's OK takes "
-                "them over.")
+                "Save writes the changed bytes into this file with the sum of the block "
+                "(bytes 2056-2058)%4; the parameter menu's OK takes them over.")
             .arg(Q(sheetName_).toHtmlEscaped(), Q(Book()->TempCell(31, 2)).toHtmlEscaped(),
-                 Q(path_).toHtmlEscaped()));
+                 Q(path_).toHtmlEscaped(), modeNote));
     Load();
+}
+
+void NetworkWindow::Reactivate() {
+    CatchUp(false);
+}
+
+void NetworkWindow::changeEvent(QEvent* event) {
+    WorkbookWindow::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isActiveWindow()) return;
+    // Asked once the activation is through: the question is a window of its own.
+    QTimer::singleShot(0, this, [this] {
+        if (isActiveWindow()) CatchUp(true);
+    });
 }
 
 void NetworkWindow::Load() {
@@ -124,6 +148,64 @@ void NetworkWindow::Load() {
     Save->setEnabled(false);
 }
 
+bool NetworkWindow::CatchUp(bool ask) {
+    if (asking_) return false;
+    if (path_.empty()) return true;
+    std::vector<uint8_t> now;
+    try {
+        const ParameterImage image = ReadParameterFile(path_);
+        now.assign(image.bytes().begin(), image.bytes().end());
+    } catch (const std::exception& error) {
+        Status->setText(Q(error.what()));  // and Save says so again
+        return true;
+    }
+    if (now == file_) return true;
+    QString news = QString("%1 was changed since it was shown; it is shown as it is now.");
+    // Bytes outside the ranges shown change nothing on the screen, and a Save keeps them.
+    if (!edits_.empty() && NetworkBytesDiffer(now, file_)) {
+        if (!ask) {
+            Status->setText(QString("%1 was changed since it was shown. You will be asked what "
+                                    "to do with your %2 changed byte(s).")
+                                .arg(Q(path_))
+                                .arg(edits_.size()));
+            return false;
+        }
+        QMessageBox box(QMessageBox::Question, windowTitle(),
+                        QString("The network data in %1 were changed outside this workbook "
+                                "after you changed %2 byte(s) here (the network menu clears "
+                                "them when the network mode changes).")
+                            .arg(Q(path_))
+                            .arg(edits_.size()),
+                        QMessageBox::NoButton, this);
+        box.setObjectName("FileChanged");
+        box.setInformativeText(
+            "Keep your changes over the bytes the file holds now, or "
+            "discard them and show the file as it is?");
+        QPushButton* keep = box.addButton("Keep my changes", QMessageBox::AcceptRole);
+        keep->setObjectName("Keep");
+        QPushButton* discard = box.addButton("Discard my changes", QMessageBox::RejectRole);
+        discard->setObjectName("Discard");
+        box.setDefaultButton(discard);
+        box.setEscapeButton(discard);
+        asking_ = true;
+        box.exec();
+        asking_ = false;
+        if (box.clickedButton() == keep) {
+            news = "Your changes are shown over the bytes %1 holds now.";
+        } else {
+            edits_.clear();
+            news = "Your changes were discarded; %1 is shown as it is now.";
+        }
+    }
+    file_ = std::move(now);
+    std::erase_if(edits_, [this](const auto& edit) { return file_[edit.first] == edit.second; });
+    ShowBytes();
+    UpdateSheet();
+    Save->setEnabled(!edits_.empty());
+    Status->setText(news.arg(Q(path_)));
+    return true;
+}
+
 void NetworkWindow::ShowBytes() {
     // Every cell a table takes signals a change; those are not the user's edits.
     filling_ = true;
@@ -138,7 +220,11 @@ void NetworkWindow::ShowBytes() {
                 item->setTextAlignment(Qt::AlignCenter);
                 const bool inRange = index >= range.first && index <= range.last;
                 const bool known = index < static_cast<int>(file_.size());
-                if (inRange && known) item->setText(Q(ByteText(file_[index])));
+                const auto edit = edits_.find(index);
+                if (edit != edits_.end()) item->setBackground(kEdited);
+                if (inRange && known) {
+                    item->setText(Q(ByteText(edit != edits_.end() ? edit->second : file_[index])));
+                }
                 item->setData(Qt::UserRole, index);
                 const std::string meaning = NetworkByteMeaning(index);
                 item->setToolTip(QString("Byte %1").arg(index) +
@@ -200,9 +286,12 @@ void NetworkWindow::UpdateSheet() {
 }
 
 bool NetworkWindow::SaveClicked() {
+    // Never the edits of bytes the file no longer holds, unless the user says so.
+    if (!CatchUp(true)) return false;
+    if (edits_.empty()) return true;
     const std::size_t count = edits_.size();
     try {
-        WriteNetworkBytes(path_, edits_);
+        WriteNetworkBytes(path_, edits_, modeIndex_);
     } catch (const std::exception& error) {
         Status->setText(Q(error.what()));
         QMessageBox::warning(this, windowTitle(), Q(error.what()));

@@ -1,7 +1,13 @@
 #pragma once
 // A network workbook's window: the network block and the link data of the working parameter
 // file "param.$$$" as tables of bytes (report/NetworkBytes.h), editable; Save writes the
-// changed bytes into the file, from which the parameter menu's OK takes them over.
+// changed bytes into the file, with the mode bits of the workbook's mode and the network sum,
+// and the parameter menu's OK takes them over.
+//
+// The component rewrites the file while the window is open (the network menu clears the
+// network area when the mode changes). The window compares the file with what it shows
+// whenever it is brought to the front, activated or saves: it shows the file as it is now,
+// and unsaved edits stay only when the user says so.
 
 #include <QString>
 #include <array>
@@ -24,8 +30,10 @@ class NetworkWindow : public WorkbookWindow {
   public:
     NetworkWindow(SpreadsheetWorkbook& book, std::weak_ptr<SpreadsheetApplication> application);
 
-    // Shows "param.$$$" of the project directory in TEMP!B30.
+    // Shows "param.$$$" of the project directory in TEMP!B30, for the mode index in
+    // TEMP!B32.
     void AutoOpen() override;
+    void Reactivate() override;
     // Writes the changed bytes; false when the file could not be written (the reason is
     // shown, the changes stay on the screen).
     bool SaveClicked();
@@ -41,9 +49,14 @@ class NetworkWindow : public WorkbookWindow {
   protected:
     // Unsaved changes: the user saves, discards them or stays.
     bool MayClose() override;
+    void changeEvent(QEvent* event) override;
 
   private:
     void Load();
+    // Brings the window up to date with the file when it changed under it. With unsaved edits
+    // to the bytes shown, ask decides: the user is asked whether to keep them over the new
+    // bytes (true), or nothing changes yet and the window remembers to ask (false).
+    bool CatchUp(bool ask);
     void ShowBytes();
     void CellChanged(QTableWidgetItem* item);
     void UpdateSheet();
@@ -52,7 +65,9 @@ class NetworkWindow : public WorkbookWindow {
     std::string sheetName_;
     std::vector<uint8_t> file_;
     std::map<int, uint8_t> edits_;
+    int modeIndex_ = -1;
     bool filling_ = false;
+    bool asking_ = false;
 };
 
 }  // namespace gantrix::spreadsheet

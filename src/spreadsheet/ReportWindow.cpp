@@ -1,16 +1,20 @@
 #include "spreadsheet/ReportWindow.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QDate>
 #include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QMessageBox>
+#include <QPainter>
 #include <QPrintDialog>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTextBlock>
 #include <QTextDocument>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -123,6 +127,7 @@ void ReportWindow::AutoOpen() {
     const auto slash = file.find_last_of('/');
     const std::string projectDir = slash == std::string::npos ? "" : file.substr(0, slash + 1);
     projectDir_ = Q(projectDir);
+    cpu_ = Q(cpu);
     title_ = "Parameter setting data";
     subtitle_ = "CPU type " + Q(cpu) + ", project " + projectDir_;
     try {
@@ -153,22 +158,100 @@ QString ReportWindow::ReportHtml() const {
     return Q(SheetsToHtml(sheets_, title_.toStdString(), subtitle_.toStdString()));
 }
 
-void ReportWindow::PrintTo(QPrinter& printer) const {
-    QTextDocument document;
+struct ReportWindow::Pages {
+    QFont font;  // of the header and footer
+    qreal line = 0;
+    QRectF body;  // the part of each page the document takes
+    QStringList sheets;
+};
+
+ReportWindow::Pages ReportWindow::LayOut(QTextDocument& document, QPrinter& printer) const {
     QFont font = document.defaultFont();
     font.setPointSize(10);
     document.setDefaultFont(font);
     document.setHtml(ReportHtml());
-    document.print(&printer);
+    // Laid out for the printer, so that its lengths are the printer's pixels.
+    document.documentLayout()->setPaintDevice(&printer);
+    Pages pages;
+    pages.font = font;
+    pages.font.setPointSize(8);
+    pages.line = QFontMetricsF(pages.font, &printer).height();
+    // Above and below the text of a page, a band of a line of text and a line's gap.
+    pages.body = QRectF(0, 2 * pages.line, printer.width(), printer.height() - 4 * pages.line);
+    document.setPageSize(pages.body.size());
+    // Each sheet begins with its name as a second-level heading.
+    for (int page = 0; page < document.pageCount(); ++page) pages.sheets << QString();
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.blockFormat().headingLevel() != 2) continue;
+        const qreal top = document.documentLayout()->blockBoundingRect(block).top();
+        const int page = static_cast<int>(top / pages.body.height());
+        if (page < pages.sheets.size() && pages.sheets[page].isEmpty())
+            pages.sheets[page] = block.text();
+    }
+    for (int page = 1; page < pages.sheets.size(); ++page) {
+        if (pages.sheets[page].isEmpty()) pages.sheets[page] = pages.sheets[page - 1];
+    }
+    return pages;
+}
+
+QStringList ReportWindow::PageSheets(QPrinter& printer) const {
+    QTextDocument document;
+    return LayOut(document, printer).sheets;
+}
+
+void ReportWindow::PrintTo(QPrinter& printer) const {
+    QTextDocument document;
+    const Pages pages = LayOut(document, printer);
+    QPainter painter;
+    if (!painter.begin(&printer)) return;
+    const QFontMetricsF metrics(pages.font, &printer);
+    const qreal width = printer.width();
+    const qreal line = pages.line;
+    const QRectF& body = pages.body;
+    const int count = static_cast<int>(pages.sheets.size());
+    const QString printed = "Printed " + QDate::currentDate().toString(Qt::ISODate);
+    const QString cpu = "CPU type " + cpu_;
+    const QString project = metrics.elidedText("Project " + projectDir_, Qt::ElideMiddle,
+                                               width - metrics.horizontalAdvance(cpu) - 2 * line);
+    QPen rule(Qt::black);
+    rule.setWidthF(printer.resolution() / 144.0);  // half a point
+    for (int page = 0; page < count; ++page) {
+        if (page > 0) printer.newPage();
+        painter.setFont(pages.font);
+        painter.setPen(rule);
+        const QRectF header(0, 0, width, line);
+        const QRectF footer(0, body.bottom() + line, width, line);
+        painter.drawText(header, Qt::AlignLeft | Qt::AlignVCenter, project);
+        painter.drawText(header, Qt::AlignRight | Qt::AlignVCenter, cpu);
+        painter.drawLine(QPointF(0, 1.4 * line), QPointF(width, 1.4 * line));
+        painter.drawLine(QPointF(0, footer.top() - 0.4 * line),
+                         QPointF(width, footer.top() - 0.4 * line));
+        painter.drawText(footer, Qt::AlignLeft | Qt::AlignVCenter, printed);
+        painter.drawText(footer, Qt::AlignHCenter | Qt::AlignVCenter, pages.sheets[page]);
+        painter.drawText(footer, Qt::AlignRight | Qt::AlignVCenter,
+                         QString("page %1 of %2").arg(page + 1).arg(count));
+        painter.save();
+        painter.translate(0, body.top() - page * body.height());
+        QAbstractTextDocumentLayout::PaintContext context;
+        context.clip = QRectF(0, page * body.height(), width, body.height());
+        context.palette.setColor(QPalette::Text, Qt::black);
+        painter.setClipRect(context.clip);
+        document.documentLayout()->draw(&painter, context);
+        painter.restore();
+    }
 }
 
 void ReportWindow::SetUpPrinter(QPrinter& printer) const {
     printer.setDocName(windowTitle());
     // A sheet with a wide table (the M-NET/MINI modules) prints across the long side of the
-    // paper, so that its headings keep their words whole.
-    const bool wide = std::any_of(sheets_.begin(), sheets_.end(),
-                                  [](const Sheet& sheet) { return sheet.ColumnCount() > 8; });
+    // paper, so that its headings keep their words whole; rows of hexadecimal bytes are
+    // narrow, however many.
+    const bool wide = std::any_of(sheets_.begin(), sheets_.end(), [](const Sheet& sheet) {
+        return std::any_of(sheet.rows.begin(), sheet.rows.end(),
+                           [](const SheetRow& row) { return !row.hex && row.cells.size() > 8; });
+    });
     printer.setPageOrientation(wide ? QPageLayout::Landscape : QPageLayout::Portrait);
+    printer.setPageMargins(QMarginsF(15, 12, 15, 12), QPageLayout::Millimeter);
 }
 
 void ReportWindow::PrintClicked() {

@@ -11,6 +11,7 @@
 
 class QPrinter;
 class QTabWidget;
+class QTextDocument;
 
 namespace gantrix::spreadsheet {
 
@@ -23,9 +24,12 @@ class ReportWindow : public WorkbookWindow {
     // Reads the parameter file of TEMP!A3 for the CPU type of TEMP!A2 and shows its report.
     void AutoOpen() override;
 
-    // The report as printed: a document of every sheet.
+    // The report as printed: a document of every sheet, on pages headed with the project and
+    // the CPU type and footed with the date printed, the sheet and "page N of M".
     QString ReportHtml() const;
     void PrintTo(QPrinter& printer) const;
+    // The sheet each page printed on printer belongs to, page by page.
+    QStringList PageSheets(QPrinter& printer) const;
     // The document name and the orientation the report prints in.
     void SetUpPrinter(QPrinter& printer) const;
     // Saves the sheets; false (and the reason in a message box and the status line) when
@@ -44,6 +48,9 @@ class ReportWindow : public WorkbookWindow {
     QPushButton* SaveXlsx = nullptr;
 
   private:
+    struct Pages;
+    // The report laid out in pages for printer, into document.
+    Pages LayOut(QTextDocument& document, QPrinter& printer) const;
     void ShowSheets();
     void EnableOutput(bool enabled);
 
@@ -51,6 +58,7 @@ class ReportWindow : public WorkbookWindow {
     QString title_;
     QString subtitle_;
     QString projectDir_;
+    QString cpu_;
 };
 
 }  // namespace gantrix::spreadsheet

@@ -199,6 +199,7 @@ void SpreadsheetApplication::Activate(SpreadsheetWorkbook* book) {
     active_ = book;
     WorkbookWindow* window = book->Window();
     if (!visible_ || window == nullptr) return;
+    window->Reactivate();
     window->show();
     window->raise();
     window->activateWindow();

@@ -25,6 +25,9 @@ class WorkbookWindow : public QWidget {
 
     // The workbook's macro "auto_open": reads the "TEMP" cells and shows the workbook's data.
     virtual void AutoOpen() = 0;
+    // The application brings the workbook to the front again; a window showing a file the
+    // component may have rewritten catches up with it first.
+    virtual void Reactivate() {}
 
     QWidget* Owner() const { return owner_; }
 

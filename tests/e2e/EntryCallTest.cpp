@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QPushButton>
+#include <QTableWidgetItem>
 #include <QTimer>
 #include <algorithm>
 #include <filesystem>
@@ -12,6 +14,8 @@
 #include <memory>
 
 #include "entry/GantrixA0J.h"
+#include "menus/NetworkMenuRules.h"
+#include "spreadsheet/NetworkWindow.h"
 #include "store/CheckSum.h"
 #include "store/ProjectLock.h"
 #include "support/ParameterModeRun.h"
@@ -19,6 +23,7 @@
 namespace gantrix {
 namespace {
 
+using spreadsheet::NetworkWindow;
 using test::ModalDriver;
 using test::PressKey;
 using test::TempProject;
@@ -219,6 +224,102 @@ TEST(EntryCall, AnEmptyProjectNameIsAnErrorThatTouchesNothing) {
     EXPECT_NE(RKParam_Param_main(object, &result), 0);
     EXPECT_NE(std::string(RKParam_ErrorDescription(object)).find("ProjectName"), std::string::npos);
     RKParam_Release(object);
+}
+
+// The network workbook window of the run whose template is file.
+NetworkWindow* Book(const QString& file) {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* book = qobject_cast<NetworkWindow*>(window);
+            book && book->isVisible() && book->windowTitle().endsWith(file))
+            return book;
+    ADD_FAILURE() << "no workbook " << file.toStdString();
+    return nullptr;
+}
+void Click(QWidget* window, const char* name) {
+    test::ChildAs<QAbstractButton>(window, name)->click();
+}
+const auto OpenNetwork = [](QWidget* menu) { Click(menu, "MenuItem(5)"); };
+const auto AskForMornetII = [](QWidget* menu) {
+    Click(menu, "MenuItem(2)");
+    Click(menu, "OK");
+};
+
+// "param.tmp" of an "A3A" project with network data of MORNET mode (1024 = 1, mode bits 63).
+ParameterImage StoreMornetData(const test::TempProject& project) {
+    ParameterImage stored = project.ParamTmp();
+    stored[1024] = 1;
+    stored[1030] = 0x11;
+    stored[2560] = 63;
+    SetCheckSum(stored, "A3A", true);
+    project.SetParamTmp(stored);
+    return stored;
+}
+
+// Typed bytes, Save, Close, the menu's OK: "param.tmp" holds them with the sum of the block.
+TEST(NetworkWorkbook, SavedBytesReachParamTmpWithTheBlocksSum) {
+    test::TempProject project("A3 ");
+    ParameterImage expected = project.ParamTmp();
+    ModalDriver driver;
+    driver.On("frmMenu", OpenNetwork).Message(24, "Yes").On("frmMenu", [](QWidget* menu) {
+        NetworkWindow* book = Book("MORNET.xls");
+        book->CellOf(1024)->setText("01");
+        book->CellOf(1030)->setText("5A");
+        book->Save->click();
+        book->Close->click();
+        PressEnd(menu);
+    });
+    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
+    expected[1024] = 1;
+    expected[1030] = 0x5A;
+    SetCheckSum(expected, "A3 ", true);
+    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), expected), std::vector<int>{});
+}
+
+// Cleared for MORNET II, edited in its workbook and saved: MORNET II is its mode from then on.
+TEST(NetworkWorkbook, DataSavedInTheMornetIIWorkbookAreOfThatMode) {
+    const test::TempProject project("A3A");
+    StoreMornetData(project);
+    ModalDriver driver;
+    driver.On("frmMenu", OpenNetwork).On("frmNetworkMenu", AskForMornetII);
+    driver.Message(25, "Yes").Message(10, "OK").Message(24, "Yes");
+    driver.On("frmNetworkMenu", [](QWidget* menu) {
+        Book("MORNET2.xls")->CellOf(1024)->setText("01");
+        Book("MORNET2.xls")->Save->click();
+        Book("MORNET2.xls")->Close->click();
+        AskForMornetII(menu);
+    });
+    driver.Message(24, "No").On("frmNetworkMenu", [](QWidget* menu) { Click(menu, "Cancel"); });
+    driver.On("frmMenu", PressEnd);
+    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
+    EXPECT_EQ(driver.messages, (std::vector<int>{25, 10, 24, 24}));
+    EXPECT_EQ(project.ParamTmp()[2560], 0xC2);
+}
+
+// A workbook left open while the network menu clears the area: its Save asks about the edit
+// made before the clearing, and dropping it brings none of the old bytes back.
+TEST(NetworkWorkbook, AWorkbookOpenDuringTheClearingDoesNotSaveTheOldBytes) {
+    const test::TempProject project("A3A");
+    ParameterImage stored = StoreMornetData(project);
+    ModalDriver driver;
+    driver.On("frmMenu", OpenNetwork).On("frmNetworkMenu", [](QWidget* m) { Click(m, "OK"); });
+    driver.Message(24, "Yes").On("frmNetworkMenu", [](QWidget* menu) {
+        Book("MORNET.xls")->CellOf(1030)->setText("5A");
+        AskForMornetII(menu);
+    });
+    driver.Message(25, "Yes").Message(10, "OK").Message(24, "Yes");
+    driver.On("frmNetworkMenu", [](QWidget*) { Book("MORNET.xls")->Save->click(); });
+    driver.On("FileChanged", [](QWidget* box) { Click(box, "Discard"); });
+    driver.On("frmNetworkMenu", [](QWidget* menu) {
+        Book("MORNET.xls")->Close->click();
+        Book("MORNET2.xls")->Close->click();
+        Click(menu, "Cancel");
+    });
+    driver.On("frmMenu", PressEnd);
+    EXPECT_EQ(test::RunParameterMode(project, driver).result, 1);
+    EXPECT_EQ(driver.messages, (std::vector<int>{24, 25, 10, 24}));
+    ClearLink(stored);
+    SetCheckSum(stored, "A3A", false);
+    EXPECT_EQ(test::DifferingBytes(project.ParamTmp(), stored), std::vector<int>{});
 }
 
 }  // namespace

@@ -50,11 +50,11 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
     const std::pair<std::string, std::string> cases[] = {
         // the first word of each name
         {"A0J", "Memory Latch I/O Supplementary "},
-        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote "},
-        {"A3H", "Memory Latch Timer/Counter I/O Supplementary "},
-        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
-        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI "},
+        {"A1 ", "Memory Latch Timer/Counter I/O Supplementary Network/Link "},
+        {"A2C", "Memory Latch Timer/Counter I/O Supplementary Remote Network/Link "},
+        {"A3H", "Memory Latch Timer/Counter I/O Supplementary Network/Link "},
+        {"A2A", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI Network/Link "},
+        {"A4U", "Memory Latch Timer/Counter I/O Supplementary M-NET/MINI Network/Link "},
         {"A4 ", "Memory Latch I/O Supplementary "}};  // not a CPU type: no failure
     test::TempDir dir;
     for (const auto& [cpu, names] : cases) {
@@ -65,18 +65,18 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
         EXPECT_EQ(built, names) << cpu;
     }
     // The "A3U" report of the default image and of one edited through the dialogs.
-    const Names shown[2][6] = {{{"CPU type A3U", "Main", "6 K steps"},
-                                {"1000", "2047", "not latched"},
-                                {"T0-255", "No counter counts interrupts."},
-                                {"No slot is assigned."},
-                                {"Before operation", "Fuse blown", "Stop"},
-                                {"Number of Modules", "No module is set."}},
-                               {{"2 K steps", "8 K bytes (448Points)"},
-                                {"100", "199"},
-                                {"I3", "C227"},
-                                {"X16", "Input module", "AX41", "Y32", "Output module"},
-                                {"RUN", "X1F"},
-                                {"1A0", "X100", "M9016", "D9010", "OFF"}}};
+    // clang-format off
+    const Names shown[2][7] = {
+        {{"CPU type A3U", "Main", "6 K steps"}, {"1000", "2047", "not latched"},
+         {"T0-255", "No counter counts interrupts."}, {"No slot is assigned."},
+         {"Before operation", "Fuse blown", "Stop"}, {"Number of Modules", "No module is set."},
+         {"Empty (byte 1024 is 0)", "No network parameters", ", the sum"}},
+        {{"2 K steps", "8 K bytes (448Points)"}, {"100", "199"}, {"I3", "C227"},
+         {"X16", "Input module", "AX41", "Y32", "Output module"}, {"RUN", "X1F"},
+         {"1A0", "X100", "M9016", "D9010", "OFF"},
+         {"Holds network", "MORNET II mode (byte 2560 = 42)", ", not the sum",
+          "<td>1024</td><td>01</td>", "<td>FF</td><td>5A</td>"}}};
+    // clang-format on
     const DialogContext context = ReportContext("A3U", dir.Path());
     ParameterImage image = test::DefaultImage("A3U");  // edited through the dialogs' Write
     MemoryFields memory = ReadMemory(image, context);
@@ -103,8 +103,12 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
     mini.Text1 = "1";
     mini.Text2 = {"1A0", "MINI", "12", "X100", "Y100", "5", "CPU", "Hold", "M9016", "D9010", "OFF"};
     WriteMINI(mini, image, context);
+    image[1024] = 1;  // as a network workbook saves them, without the sum
+    image[1030] = 0x5A;
+    image[2560] = 0x42;
     for (const bool edit : {false, true}) {
         const auto sheets = BuildParameterReport(edit ? image : test::DefaultImage("A3U"), context);
+        ASSERT_EQ(sheets.size(), 7u);
         for (std::size_t s = 0; s < sheets.size(); ++s) {
             const std::string printed = SheetsToHtml({sheets[s]}, "", "");
             for (const std::string& value : shown[edit][s])
@@ -122,6 +126,7 @@ TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
     test::TempDir dir;
     Sheet sheet{"Timer/Counter", {}};
     sheet.AddTable("Title", {"", "Head"}, {{"12", "012"}, {"", "x&y"}});
+    sheet.AddTable("", {}, {{"10"}}, true);  // a hexadecimal byte
     EXPECT_THROW(WriteXlsx({sheet}, dir.File("missing/r.xlsx")), RuntimeError);
     EXPECT_TRUE(dir.List().empty());
     WriteXlsx({sheet}, dir.File("r.xlsx"));
@@ -134,11 +139,13 @@ TEST(XlsxExport, EveryCellWhereTheSheetHasIt) {
     }
     for (const char* part :
          {R"(<sheet name="Timer-Counter")",
-          R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si>)",
+          R"(<si><t>Title</t></si><si><t>Head</t></si><si><t>012</t></si><si><t>x&amp;y</t></si>)"
+          R"(<si><t>10</t></si>)",
           R"(<sheetData><row r="1" spans="1:2"><c r="A1" s="1" t="s"><v>0</v></c></row>)"
           R"(<row r="2" spans="1:2"><c r="B2" s="2" t="s"><v>1</v></c></row>)"
           R"(<row r="3" spans="1:2"><c r="A3"><v>12</v></c><c r="B3" t="s"><v>2</v></c></row>)"
-          R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row></sheetData>)"}) {
+          R"(<row r="4" spans="1:2"><c r="B4" t="s"><v>3</v></c></row>)"
+          R"(<row r="6" spans="1:2"><c r="A6" t="s"><v>4</v></c></row></sheetData>)"}) {
         EXPECT_NE(xml.find(part), std::string::npos) << part;
     }
 }
@@ -154,24 +161,35 @@ TEST(NetworkBytes, ByteTextBothWays) {
     }
 }
 
-// The edited bytes change, the others stay as the file holds them; bytes outside the
-// network ranges, and the I/O-assignment flag, are refused and the file left alone.
-TEST(NetworkBytes, SaveChangesOnlyTheEditedBytes) {
+// Save: the edited bytes change, the others stay as the file holds them; a workbook of mode
+// 0..2 puts its mode bits into 2560 (the upper two kept) while 1024 is not 0, the U types' one
+// leaves it; the sum of 1024..2055 goes to 2056..2058, low byte first. Bytes outside the
+// network ranges, and the I/O-assignment flag, are refused, the file left alone.
+TEST(NetworkBytes, SaveWritesTheEditsTheModeBitsAndTheSum) {
+    // clang-format off
+    const struct { int mode, b1024, b2560, saved2560, sum; } cases[] = {
+        {0, 1, 0x82, 0xBF, 0x0402FA}, {1, 1, 0xFF, 0xC1, 0x0402FA}, {2, 5, 0x3F, 0x02, 0x0402FE},
+        {3, 1, 0x41, 0x41, 0x0402FA}, {2, 0, 0xFF, 0xFF, 0x0402F9}, {-1, 1, 0x41, 0x41, 0x0402FA}};
+    // clang-format on
     test::TempDir dir;
-    std::vector<uint8_t> file(kImageSize);
-    for (int i = 0; i < kImageSize; ++i) file[i] = static_cast<uint8_t>(i);
-    dir.Write("param.$$$", file);
     const std::string path = dir.File("param.$$$");
-    const std::map<int, uint8_t> edits = {{1024, 1}, {2055, 0xAB}, {2560, 2}, {3042, 0x7F}};
-    WriteNetworkBytes(path, edits);
-    for (const auto& [index, value] : edits) file[index] = value;
-    EXPECT_EQ(dir.Read("param.$$$"), file);
-    for (int index : {1071, 2056, 1023, 3043, 64}) {
-        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}), RuntimeError) << index;
-        EXPECT_EQ(dir.Read("param.$$$"), file) << index;
+    for (const auto& c : cases) {
+        std::vector<uint8_t> file(kImageSize, 0xFF);
+        file[2560] = static_cast<uint8_t>(c.b2560);
+        file[64] = 0x42;
+        dir.Write("param.$$$", file);
+        WriteNetworkBytes(path, {{1024, static_cast<uint8_t>(c.b1024)}, {3042, 7}}, c.mode);
+        file = dir.Read("param.$$$");
+        EXPECT_EQ(file[2560], c.saved2560) << c.mode;
+        EXPECT_EQ(file[2056] | file[2057] << 8 | file[2058] << 16, c.sum) << c.mode;
+        EXPECT_TRUE(file[64] == 0x42 && file[3042] == 7 && file[525] == 0xFF) << c.mode;
+    }
+    for (int index : {1071, 2056, 1023, 3043}) {
+        EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}, {index, 0}}, 0), RuntimeError) << index;
+        EXPECT_EQ(dir.Read("param.$$$")[1030], 0xFF) << index;
     }
     dir.Write("param.$$$", std::vector<uint8_t>(100, 0));
-    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}), RuntimeError);
+    EXPECT_THROW(WriteNetworkBytes(path, {{1030, 9}}, 0), RuntimeError);
 }
 
 }  // namespace

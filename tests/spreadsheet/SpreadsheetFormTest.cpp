@@ -82,24 +82,35 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_EQ(book->Name(), "dprojectParameter mode.xls");
         EXPECT_TRUE(window->Print->isEnabled());
         const std::vector<excel::Worksheet*> sheets = book->Worksheets();
-        ASSERT_EQ(sheets.size(), 6u);
+        ASSERT_EQ(sheets.size(), 7u);
         EXPECT_EQ(sheets[0]->CellText(1, 1), "CPU type A3 ");
-        EXPECT_EQ(sheets[5]->Name(), "TEMP");
-        EXPECT_EQ(sheets[5]->CellText(1, 1), "Param");
-        // Printed, each sheet begins a page of its own, after the title page.
+        EXPECT_EQ(sheets[6]->Name(), "TEMP");
+        EXPECT_EQ(sheets[6]->CellText(1, 1), "Param");
+        // Printed, each sheet begins a page of its own, and every page names the project, the
+        // CPU type, the day and its number.
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(QString::fromStdString(project.File("report.pdf")));
         window->PrintTo(printer);
+        QStringList order = window->PageSheets(printer);
+        order.erase(std::unique(order.begin(), order.end()), order.end());
+        EXPECT_EQ(order.join("|").toStdString(),
+                  "Memory Capacity Setting|Latch Range Setting|Timer/Counter Setting|I/O "
+                  "Assignment|Supplementary Functions|Network/Link Setting");
         ASSERT_EQ(std::system(("pdftotext '" + project.File("report.pdf") + "'").c_str()), 0);
         const std::vector<uint8_t> text = project.Read("report.txt");
         std::istringstream pdf(std::string(text.begin(), text.end()));
-        std::vector<std::string> heads;  // the first line of each page
-        for (std::string page; std::getline(pdf >> std::ws, page, '\f');)
-            heads.push_back(page.substr(0, page.find('\n')));
-        EXPECT_NE(heads.at(0).find("Parameter setting data"), std::string::npos);
-        for (int s = 1; s < 5; ++s)
-            EXPECT_EQ(std::count(heads.begin(), heads.end(), sheets[s]->Name()), 1) << s;
+        std::vector<std::string> pages;
+        for (std::string page; std::getline(pdf >> std::ws, page, '\f');) pages.push_back(page);
+        ASSERT_EQ(pages.size(), static_cast<std::size_t>(window->PageSheets(printer).size()));
+        const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
+        for (std::size_t p = 0; p < pages.size(); ++p)
+            for (const std::string& part :
+                 {"Project " + project.Path(), std::string("CPU type A3"), "Printed " + today,
+                  "page " + std::to_string(p + 1) + " of " + std::to_string(pages.size())})
+                EXPECT_NE(pages[p].find(part), std::string::npos) << p << part;
+        EXPECT_NE(pages.front().find("Parameter setting data"), std::string::npos);
+        EXPECT_NE(pages.back().find("3040"), std::string::npos);  // the last row of bytes
         EXPECT_TRUE(window->SaveXlsxTo(QString::fromStdString(project.File("report.xlsx"))));
         EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
         application->SetWindowState(excel::kWindowMinimized);
@@ -143,13 +154,29 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     // The sheet holds the bytes too: its first row of the block starts at 1024.
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1), "1024");
     EXPECT_EQ(book->FindSheet("MORNET(II) mode")->CellText(3, 1 + 1 + 6), "5A");
-    // Meanwhile the component rewrote the file; its bytes stay.
+    // Rewritten under the window outside the bytes shown: Save keeps those bytes. Rewritten
+    // in them: brought to the front, the window shows the file as it is; with an edit made
+    // before, Save asks, and Keep saves the edit over the new bytes.
     file[64] = 0x42;
     project.Write("param.$$$", file);
     window->Save->click();
-    file[1030] = 0x5A;
-    EXPECT_EQ(project.Read("param.$$$"), file);
-    EXPECT_TRUE(window->Edits().empty());
+    file = project.Read("param.$$$");
+    EXPECT_TRUE(file[64] == 0x42 && file[1030] == 0x5A && window->Edits().empty());
+    file[1031] = 0x77;
+    project.Write("param.$$$", file);
+    book->Activate();
+    EXPECT_EQ(window->CellOf(1031)->text(), "77");
+    window->CellOf(1032)->setText("01");
+    file[1031] = 0x78;
+    project.Write("param.$$$", file);
+    QString asked;
+    QTimer::singleShot(50, [&asked] {
+        if (QWidget* box = QApplication::activeModalWidget())
+            test::ChildAs<QPushButton>(box, "Keep")->click(), asked = box->objectName();
+    });
+    window->Save->click();
+    file = project.Read("param.$$$");
+    EXPECT_TRUE(asked == "FileChanged" && file[1031] == 0x78 && file[1032] == 1);
     // Closing with a change not saved asks; Save writes it, then the workbook closes.
     window->CellOf(2560)->setText("2");
     QTimer::singleShot(50, [] {
@@ -157,8 +184,7 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
             box->button(QMessageBox::Save)->click();
     });
     window->Close->click();
-    file[2560] = 2;
-    EXPECT_EQ(project.Read("param.$$$"), file);
+    EXPECT_EQ(project.Read("param.$$$")[2560], 2);
     EXPECT_TRUE(application->Workbooks().empty());
     QApplication::processEvents();
 }

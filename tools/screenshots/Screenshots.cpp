@@ -14,6 +14,9 @@
 #include <QApplication>
 #include <QDialog>
 #include <QKeySequence>
+#include <QPrintPreviewWidget>
+#include <QPrinter>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <cstdio>
@@ -23,6 +26,7 @@
 #include <vector>
 
 #include "common/DialogContext.h"
+#include "common/StringTable.h"
 #include "common/qt/DialogRegistry.h"
 #include "dialogs/frmMINI/MINIFields.h"
 #include "entry/RKParam.h"
@@ -30,6 +34,8 @@
 #include "menus/frmMenu.h"
 #include "platform/excel/Excel.h"
 #include "report/ParameterReport.h"
+#include "spreadsheet/ReportWindow.h"
+#include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
 #include "support/core/TestSupport.h"
 
@@ -86,7 +92,13 @@ int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
         headless::Set(project.ParamTmp(), ReportContext(cpu, project.Path()), edits);
     if (!edited.refusals.empty())
         std::cerr << "some values do not apply to " << cpu << ": the report shows the rest\n";
-    const ParameterImage& image = edited.image;
+    ParameterImage image = edited.image;
+    // A network block of MORNET II mode, as its workbook saves it.
+    for (int i = 1024; i < 1100; ++i) image[i] = static_cast<uint8_t>(i * 7);
+    image[1024] = 1;
+    image[2560] = 0x02;
+    image[2561] = 0x10;
+    SetCheckSum(image, "", true);
     project.Write("param.$$p", {image.bytes().begin(), image.bytes().end()});
     project.Write("param.$$$", {image.bytes().begin(), image.bytes().end()});
     const auto application = excel::CreateObject("excel.application");
@@ -97,18 +109,31 @@ int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
                  {{1, 1, "Param"}, {2, 1, cpu}, {3, 1, project.File("param.$$p")}});
     QWidget* report = WorkbookWindow();
     saved = Shoot(report, outDir, "report", cpu) && saved;
-    if (auto* preview = report ? report->findChild<QAbstractButton*>("PrintPreview") : nullptr) {
-        QTimer::singleShot(0, [&] {
+    auto* reportWindow = qobject_cast<spreadsheet::ReportWindow*>(report);
+    // The print preview on the first page of a sheet: the widest, and the network bytes.
+    const auto previewAt = [&](const QString& sheet, const QString& name) {
+        QPrinter printer(QPrinter::HighResolution);
+        reportWindow->SetUpPrinter(printer);
+        const int page = reportWindow->PageSheets(printer).indexOf(sheet) + 1;
+        if (page == 0) return;
+        QTimer::singleShot(0, [&, page, name] {
             QWidget* dialog = QApplication::activeModalWidget();
-            if (dialog != nullptr) dialog->resize(900, 700);
-            // The last page: the widest sheet.
-            for (QAction* action : dialog ? dialog->findChildren<QAction*>() : QList<QAction*>()) {
-                if (action->text() == "Last page") action->trigger();
+            if (dialog == nullptr) return;
+            dialog->resize(900, 700);
+            // Through the dialog's own action, so that its page number follows.
+            for (QAction* action : dialog->findChildren<QAction*>()) {
+                if (action->text() != "Next page") continue;
+                for (int p = 1; p < page; ++p) action->trigger();
             }
-            saved = Shoot(dialog, outDir, "print-preview", cpu) && saved;
-            if (dialog != nullptr) dialog->close();
+            saved = Shoot(dialog, outDir, name, cpu) && saved;
+            dialog->close();
         });
-        preview->click();
+        reportWindow->PrintPreview->click();
+    };
+    if (reportWindow != nullptr) {
+        previewAt(QString::fromStdString(LoadResString(ids::MiniTitle)), "print-preview");
+        previewAt(QString::fromStdString(LoadResString(ids::NetworkLinkSetting)),
+                  "print-preview-network");
     }
     if (report != nullptr) report->close();
 
