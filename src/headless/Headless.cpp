@@ -365,7 +365,10 @@ FieldsImage TypeFields(const std::vector<TextField>& fields, const DialogContext
         std::map<std::string, std::pair<const TextField*, std::string>> took;
         for (const TextField* f : typed[p]) {
             auto field = shown.find(f->key);
-            if (field == shown.end()) list(), field = shown.find(f->key);
+            if (field == shown.end()) {
+                list();
+                field = shown.find(f->key);
+            }
             const auto action = actions.find(f->key);
             if (field == shown.end() && action == actions.end()) {
                 refuse(f, page.Name(), f->key,

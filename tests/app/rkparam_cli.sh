@@ -103,12 +103,18 @@ grep -q '100 bytes' "$work/out" || fail "check names the size: $(cat "$work/out"
 expect_status 2 "show without a CPU type" "$rkparam" show "$work/short.tmp"
 "$rkparam" show --json "$work/h1" >"$work/h1.json" && grep -q '"assist.watchdog": "30"' "$work/h1.json" \
     || fail "show --json gives the fields: $(head -c 300 "$work/h1.json")"
-# A run holds the project: set waits for nobody and changes nothing.
-timeout 5 "$rkparam" "$work/h2" >/dev/null 2>&1 &
-sleep 2
+# A run holds the project: set waits for nobody and changes nothing, also through a link into
+# it from elsewhere, since the lock is taken where the save goes.
+mkdir "$work/other" && ln -s ../h2/param.tmp "$work/other/link.tmp"
+timeout 20 "$rkparam" "$work/h2" >/dev/null 2>&1 &
+run=$!
+for _ in $(seq 100); do [ -e "$work/h2/.param.lock" ] && break; sleep 0.1; done
 expect_status 2 "set on a project in use" "$rkparam" set "$work/h2" assist.watchdog=40
 grep -q 'in use' "$work/err" || fail "the lock is named: $(cat "$work/err")"
-wait
+expect_status 2 "set through a link into a held project" "$rkparam" set --cpu A3 "$work/other/link.tmp" assist.watchdog=40
+grep -q 'h2/.*in use' "$work/err" || fail "the held directory is named: $(cat "$work/err")"
+kill "$run"
+wait "$run" 2>/dev/null
 
 # import types each value as set does: a text the dialogs or the whole check refuse changes
 # nothing and names the line, the key and the reason. Each row: CPU, the sed edit of an
@@ -116,8 +122,9 @@ wait
 while IFS='|' read -r cpu edit reason; do
     dir="$work/imp-${cpu// /}"
     [ -d "$dir" ] || { "$rkparam" new --cpu "$cpu" "$dir" >/dev/null
-        [ "$cpu" = A3U ] && "$rkparam" set "$dir" mini.modules=1 mini.module.1.start_io=0 >/dev/null; }
-    "$rkparam" export "$dir" | sed "$edit" >"$work/edited.txt"
+        [ "$cpu" = A3U ] && "$rkparam" set "$dir" mini.modules=1 mini.module.1.start_io=0 >/dev/null
+        "$rkparam" export "$dir" -o "$dir.txt"; }
+    sed "$edit" "$dir.txt" >"$work/edited.txt"
     cp "$dir/param.tmp" "$work/imp.before"
     expect_status 1 "import refuses: $edit" "$rkparam" import "$dir" "$work/edited.txt"
     grep -q -- "$reason" "$work/err" || fail "import of $edit names: $reason ($(head -3 "$work/err"))"
@@ -173,14 +180,6 @@ grep -q '"/dev/stdout": it leads to a FIFO.*-o -' "$work/err" || fail "-o /dev/s
 expect_status 2 "new --force through a link to a FIFO" timeout 10 "$rkparam" new --force --cpu A3 "$work/nl"
 [ -p "$work/targets/fifo" ] || fail "new --force replaced the FIFO"
 
-# The lock is taken where the save goes: a link into a project a run holds is refused.
-"$rkparam" new --cpu A3 "$work/held" >/dev/null && mkdir "$work/other"
-ln -s ../held/param.tmp "$work/other/link.tmp"
-timeout 5 "$rkparam" "$work/held" >/dev/null 2>&1 &
-sleep 2
-expect_status 2 "set through a link into a held project" "$rkparam" set --cpu A3 "$work/other/link.tmp" assist.watchdog=40
-grep -q 'held/.*in use' "$work/err" || fail "the held directory is named: $(cat "$work/err")"
-wait
 # The lock file is never followed or waited on; the refusal names it.
 for make in "ln -s $work/outside .param.lock" "mkfifo .param.lock"; do
     (cd "$work/h1" && eval "$make")
@@ -199,8 +198,9 @@ grep -q 'warning: Cannot sync the directory.*h1' "$work/err" || fail "the failed
 
 # Bounded input: a huge note or parameter file and a FIFO or unreadable "program.end" are
 # refused at once, naming the file.
+"$rkparam" new --cpu A3 "$work/big" >/dev/null && cp -r "$work/big" "$work/big.made"
 while IFS='|' read -r what make command named; do
-    rm -rf "$work/big" && "$rkparam" new --cpu A3 "$work/big" >/dev/null
+    rm -rf "$work/big" && cp -r "$work/big.made" "$work/big"
     (cd "$work/big" && eval "$make")
     eval "expect_status 2 \"$what\" $command"
     grep -q "$named" "$work/err" || fail "$what names $named: $(cat "$work/err")"
@@ -210,7 +210,7 @@ a 1 GiB param.tmp|truncate -s 1G param.tmp|timeout 10 $rkparam show $work/big|pa
 a FIFO program.end|mkfifo program.end|timeout 10 $rkparam set $work/big assist.watchdog=30|program.end.*a FIFO
 an unreadable program.end|echo 100 >program.end|faulty EIO read program.end $work/big $rkparam set $work/big assist.watchdog=30|program.end.*Input/output error
 TABLE
-rm -rf "$work/big" && "$rkparam" new --cpu A3 "$work/big" >/dev/null
+rm -rf "$work/big" && cp -r "$work/big.made" "$work/big"
 
 # Messages: an I/O error on rkparam.cpu names it; a CR line end is taken, other control
 # characters are shown escaped; paths that are not UTF-8 are escaped in JSON.
