@@ -143,7 +143,7 @@ A3|$a bytes 4294967296..4294967296 = 07 (fields give FF)|expected "bytes FIRST..
 A3|$a bytes 3000..3001 = 07 07 (fields give FF FF)\nbytes 3001..3001 = 08 (fields give FF)|overlap or come before bytes 3000..3001
 A3|d|the text gives no field
 A2C|s/^remote.total =.*/remote.total = 257/|remote.total: Setting out of range
-A2C|s/^remote.entry.1.start =.*/remote.entry.1.start = 261/|remote.entry.1.start: Invalid setting data.
+A2C|s/^remote.entry.1.start =.*/remote.entry.1.start = 261/;s/^remote.entry.1.protocol =.*/remote.entry.1.protocol = 0/|remote.entry.1.start: Invalid setting data.
 A3U|s/^mini.module.1.model =.*/mini.module.1.model = MINI/;s/^mini.module.1.stations =.*/mini.module.1.stations = 266/|mini.module.1.stations
 A3U|s/^mini.module.1.retries =.*/mini.module.1.retries = 64/|mini.module.1.retries
 TABLE
