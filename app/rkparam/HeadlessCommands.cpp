@@ -1,7 +1,5 @@
 #include "HeadlessCommands.h"
 
-#include <sys/stat.h>
-
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <iterator>
@@ -12,10 +10,9 @@
 #include "ProjectFiles.h"
 #include "headless/Headless.h"
 #include "headless/Page.h"
-#include "platform/rkcmnt/rkcmnt.h"
-#include "store/ParameterFiles.h"
+#include "headless/ProjectChange.h"
 #include "store/Project.h"
-#include "store/ProjectLock.h"
+#include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
 
 namespace rkparam {
@@ -38,25 +35,67 @@ struct Options {
     std::string other;  // diff: the second project; import: the text file
     std::vector<std::string> assignments;
     bool json = false;
-    bool force = false;
 };
 
 std::string Quoted(const std::string& text) {
     return "\"" + text + "\"";
 }
 
+// Text from a file or a command line, as a message shows it: control characters escaped.
+std::string Printable(const std::string& text) {
+    const std::string quoted = hl::QuoteValue(text);
+    return quoted.starts_with('"') ? quoted : Quoted(quoted);
+}
+
+// A string for JSON: the library refuses text that is not UTF-8 (a path may be any bytes),
+// so such a string has its bytes from 0x80 up written as \xHH.
+std::string JsonText(const std::string& text) {
+    try {
+        (void)nlohmann::json(text).dump();
+        return text;
+    } catch (const nlohmann::json::exception&) {
+        std::string escaped;
+        for (const char c : text) {
+            const auto u = static_cast<unsigned char>(c);
+            if (u < 0x80) {
+                escaped += c;
+                continue;
+            }
+            char buffer[8];
+            std::snprintf(buffer, sizeof buffer, "\\x%02X", u);
+            escaped += buffer;
+        }
+        return escaped;
+    }
+}
+
+// At most this many refusals or findings are printed, then how many more there are.
+constexpr size_t kListed = 20;
+
+void PrintList(std::ostream& out, const std::string& prefix, const std::vector<hl::Violation>& list,
+               size_t unlisted = 0) {
+    for (size_t i = 0; i < list.size() && i < kListed; ++i) {
+        out << prefix << hl::Describe(list[i]) << "\n";
+    }
+    const size_t more = (list.size() > kListed ? list.size() - kListed : 0) + unlisted;
+    if (more > 0) out << prefix << "and " << more << " more\n";
+}
+
 // A project directory or a parameter file, with the CPU type it is for.
 struct Loaded {
-    std::string file;
-    std::string projectDir;  // the directory of the file, with "/"
+    gantrix::ProjectPath path;
     std::string cpu;
     gantrix::ParameterImage image;
     std::string sizeProblem;  // set (and image empty) when the file is not 3072 bytes
 };
 
-std::string DirectoryOf(const std::string& file) {
-    const auto slash = file.find_last_of('/');
-    return slash == std::string::npos ? "./" : file.substr(0, slash + 1);
+gantrix::ProjectPath Locate(const std::string& path) {
+    gantrix::ProjectPath located = gantrix::LocateProject(path);
+    if (!located.exists) {
+        throw Failure(Quoted(located.file) +
+                      " is missing; make the project with: rkparam new --cpu CODE " + path);
+    }
+    return located;
 }
 
 // The CPU type: --cpu, else the project's note, else fallback; refused when none names one.
@@ -67,84 +106,31 @@ std::string CpuFor(const std::string& option, const std::string& projectDir,
     if (cpu.empty()) cpu = fallback;
     if (cpu.empty()) {
         throw Failure("no CPU type: " + Quoted(projectDir + kCpuFile) +
-                      " does not name one; give --cpu CODE");
+                      " is not there or names none; give --cpu CODE");
     }
     cpu = gantrix::NormalizeCpuCode(cpu);
     if (!gantrix::IsKnownCpuType(cpu)) {
-        throw Failure("unknown CPU type " + Quoted(cpu) +
+        throw Failure("unknown CPU type " + Printable(cpu) +
                       ": expected one of A0J A0H A1S A1 A2C A2 A3 A3H A2A A3A A2U A3U A4U");
     }
     return cpu;
 }
 
-Loaded Load(const std::string& path, const std::string& cpuOption, bool sizeIsFinding = false,
-            const std::string& cpuFallback = "") {
+Loaded Load(const std::string& path, const std::string& cpuOption, bool sizeIsFinding = false) {
     Loaded l;
-    struct stat info {};
-    if (::stat(path.c_str(), &info) != 0) throw Failure(Quoted(path) + " does not exist");
-    if (S_ISDIR(info.st_mode)) {
-        l.projectDir = WithSeparator(path);
-        // Looked up as a run looks it up: "PARAM.TMP" is the project's file too.
-        const std::string name = gantrix::FindEntry(l.projectDir + gantrix::kParamTmp);
-        if (name.empty()) {
-            throw Failure(Quoted(l.projectDir + gantrix::kParamTmp) +
-                          " is missing; make the project with: rkparam new --cpu CODE " + path);
-        }
-        l.file = l.projectDir + name;
-    } else {
-        l.file = path;
-        l.projectDir = DirectoryOf(path);
+    l.path = Locate(path);
+    l.cpu = CpuFor(cpuOption, l.path.projectDir, "");
+    try {
+        l.image = gantrix::LoadParameterImage(l.path.file);
+    } catch (const gantrix::WrongParameterFileSize& wrong) {
+        if (!sizeIsFinding) throw;
+        l.sizeProblem = wrong.Description();
     }
-    l.cpu = CpuFor(cpuOption, l.projectDir, cpuFallback);
-    const std::vector<uint8_t> bytes = gantrix::ReadWholeFile(l.file);
-    if (bytes.size() != gantrix::kImageSize) {
-        l.sizeProblem = Quoted(l.file) + " holds " + std::to_string(bytes.size()) +
-                        " bytes; a parameter file holds exactly 3072";
-        if (!sizeIsFinding) throw Failure(l.sizeProblem);
-        return l;
-    }
-    std::copy(bytes.begin(), bytes.end(), l.image.bytes().begin());
     return l;
 }
 
 gantrix::DialogContext ContextOf(const Loaded& l) {
-    return hl::HeadlessContext(l.cpu, l.projectDir);
-}
-
-// The END positions of the project's programs, as a run reads them when it loads.
-hl::EndPositions EndPositionsOf(const Loaded& l) {
-    gantrix::ParameterImage scratch;
-    std::vector<char> path(l.file.begin(), l.file.end());
-    path.push_back('\0');
-    hl::EndPositions end{};
-    if (RkLoadParameter(path.data(), scratch.data()) != kRkLoadOk) return end;
-    std::string cpuText(10, ' ');
-    int16_t value = 0;
-    RkGetFileParameter(cpuText.data(), &value, end.data());
-    return end;
-}
-
-void Write(const Loaded& l, const gantrix::ParameterImage& image) {
-    gantrix::WriteFileAtomically(l.file, {image.bytes().begin(), image.bytes().end()});
-}
-
-// The project's lock, as a run takes it: set and import never write under a running dialog.
-std::unique_ptr<gantrix::ProjectLock> Lock(const std::string& path) {
-    struct stat info {};
-    const bool dir = ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
-    const std::string projectDir = dir ? WithSeparator(path) : DirectoryOf(path);
-    auto lock = std::make_unique<gantrix::ProjectLock>(projectDir);
-    if (!lock->Held()) {
-        throw Failure(Quoted(projectDir) +
-                      " is in use by a run of the parameter mode; nothing was changed");
-    }
-    return lock;
-}
-
-std::string ViolationLine(const hl::Violation& v) {
-    std::string line = "[" + (v.dialog.empty() ? std::string("?") : v.dialog) + "] ";
-    if (!v.key.empty()) line += v.key + (v.message >= 0 ? ": " : " ");
-    return line + v.text;
+    return hl::HeadlessContext(l.cpu, l.path.projectDir);
 }
 
 std::string Shown(const std::optional<std::string>& value) {
@@ -157,12 +143,12 @@ int Show(const Options& o) {
     const auto dialogs = hl::Show(l.image, ContextOf(l));
     if (o.json) {
         nlohmann::ordered_json j;
-        j["file"] = l.file;
-        j["cpu"] = l.cpu;
+        j["file"] = JsonText(l.path.file);
+        j["cpu"] = JsonText(l.cpu);
         j["dialogs"] = nlohmann::ordered_json::array();
         for (const hl::ShownDialog& d : dialogs) {
             nlohmann::ordered_json fields = nlohmann::ordered_json::object();
-            for (const hl::ShownField& f : d.fields) fields[f.key] = f.value;
+            for (const hl::ShownField& f : d.fields) fields[JsonText(f.key)] = JsonText(f.value);
             j["dialogs"].push_back(
                 {{"name", d.name}, {"form", d.form}, {"title", d.title}, {"fields", fields}});
         }
@@ -186,15 +172,37 @@ int Check(const Options& o) {
     if (!l.sizeProblem.empty()) {
         found.push_back({"file", "", -1, l.sizeProblem});
     } else {
-        found = hl::Check(l.image, ContextOf(l), EndPositionsOf(l));
+        found = hl::Check(l.image, ContextOf(l), gantrix::ReadEndPositions(l.path));
     }
-    for (const hl::Violation& v : found) std::cout << ViolationLine(v) << "\n";
+    PrintList(std::cout, "", found);
     if (found.empty()) {
-        std::cout << "rkparam: " << l.file << " passes every check\n";
+        std::cout << "rkparam: " << l.path.file << " passes every check\n";
         return kOk;
     }
-    std::cout << "rkparam: " << found.size() << " problem(s) in " << l.file << "\n";
+    std::cout << "rkparam: " << found.size() << " problem(s) in " << l.path.file << "\n";
     return kFound;
+}
+
+// What set and import print of a change, and their exit status.
+int Report(const hl::ProjectChange& change, const std::string& source, const std::string& same) {
+    const hl::ChangeOutcome& o = change.outcome;
+    const std::string from = source.empty() ? "" : source + ": ";
+    if (!o.image) {
+        PrintList(std::cerr, "rkparam: refused: " + from, o.refusals, o.unlisted);
+        std::cerr << "rkparam: nothing was changed\n";
+        return kFound;
+    }
+    PrintList(std::cerr, "rkparam: warning: the file had this before: ", o.warnings);
+    for (const std::string& note : o.notes) std::cerr << "rkparam: note: " << from << note << "\n";
+    for (const std::string& warning : change.saveWarnings) {
+        std::cerr << "rkparam: warning: " << warning << "\n";
+    }
+    if (change.unchanged) {
+        std::cout << "rkparam: " << change.file << " already holds " << same << "\n";
+    } else {
+        std::cout << "rkparam: saved " << change.file << "\n";
+    }
+    return kOk;
 }
 
 int Set(const Options& o) {
@@ -202,34 +210,21 @@ int Set(const Options& o) {
     for (const std::string& a : o.assignments) {
         const auto eq = a.find('=');
         if (eq == std::string::npos || eq == 0) {
-            throw Failure("expected KEY=VALUE, not " + Quoted(a));
+            throw Failure("expected KEY=VALUE, not " + Printable(a));
         }
         assignments.push_back({a.substr(0, eq), a.substr(eq + 1)});
     }
-    const auto lock = Lock(o.path);
-    const Loaded l = Load(o.path, o.cpu);
-    const hl::SetOutcome outcome = hl::Set(l.image, ContextOf(l), assignments, EndPositionsOf(l));
-    if (!outcome.refusals.empty()) {
-        for (const hl::Violation& v : outcome.refusals) {
-            std::cerr << "rkparam: refused: " << ViolationLine(v) << "\n";
-        }
-        std::cerr << "rkparam: nothing was changed\n";
-        return kFound;
-    }
-    if (outcome.image == l.image) {
-        std::cout << "rkparam: " << l.file << " already holds these values\n";
-        return kOk;
-    }
-    Write(l, outcome.image);
-    std::cout << "rkparam: saved " << l.file << "\n";
-    return kOk;
+    const gantrix::ProjectPath path = Locate(o.path);
+    const std::string cpu = CpuFor(o.cpu, path.projectDir, "");
+    return Report(hl::SetInProject(path, cpu, assignments), "", "these values");
 }
 
 int Diff(const Options& o) {
     const Loaded a = Load(o.path, o.cpu);
     const Loaded b = Load(o.other, o.cpu);
     const hl::Difference d = hl::Diff(a.image, ContextOf(a), b.image, ContextOf(b));
-    std::cout << "--- " << a.file << " (" << a.cpu << ")\n+++ " << b.file << " (" << b.cpu << ")\n";
+    std::cout << "--- " << a.path.file << " (" << a.cpu << ")\n+++ " << b.path.file << " (" << b.cpu
+              << ")\n";
     std::string dialog;
     for (const hl::FieldDifference& f : d.fields) {
         if (f.dialog != dialog) std::cout << "[" << (dialog = f.dialog) << "]\n";
@@ -256,48 +251,34 @@ int Export(const Options& o) {
     if (o.other.empty() || o.other == "-") {
         std::cout << text;
     } else {
-        gantrix::WriteFileAtomically(o.other, {text.begin(), text.end()});
+        try {
+            gantrix::WriteOutputFile(o.other, text);
+        } catch (const gantrix::RuntimeError& error) {
+            throw Failure(error.Description() + " (-o - writes to standard output)");
+        }
     }
     return kOk;
 }
 
+// An export text is tens of kilobytes; this is room for any edit of one, and no more.
+constexpr size_t kTextLimit = 4 << 20;
+
 int Import(const Options& o) {
     std::string text;
     if (o.other == "-") {
-        text.assign(std::istreambuf_iterator<char>(std::cin), {});
-    } else {
-        const std::vector<uint8_t> bytes = gantrix::ReadWholeFile(o.other);
-        text.assign(bytes.begin(), bytes.end());
-    }
-    const auto lock = Lock(o.path);
-    const Loaded l = Load(o.path, o.cpu, false, hl::CpuOfText(text));
-    const gantrix::DialogContext context = ContextOf(l);
-    const hl::ImportOutcome outcome = hl::ImportText(text, context);
-    for (const std::string& error : outcome.errors) {
-        std::cerr << "rkparam: " << o.other << ": " << error << "\n";
-    }
-    if (!outcome.image) {
-        std::cerr << "rkparam: nothing was changed\n";
-        return kFound;
-    }
-    for (const std::string& note : outcome.notes) {
-        std::cerr << "rkparam: note: " << o.other << ": " << note << "\n";
-    }
-    if (*outcome.image == l.image) {
-        std::cout << "rkparam: " << l.file << " already holds these parameters\n";
-        return kOk;
-    }
-    const auto found = hl::Check(*outcome.image, context, EndPositionsOf(l));
-    if (!found.empty() && !o.force) {
-        for (const hl::Violation& v : found) {
-            std::cerr << "rkparam: refused: " << ViolationLine(v) << "\n";
+        text.resize(kTextLimit + 1);
+        std::cin.read(text.data(), static_cast<std::streamsize>(text.size()));
+        text.resize(static_cast<size_t>(std::cin.gcount()));
+        if (text.size() > kTextLimit) {
+            throw Failure("the text on standard input is larger than " +
+                          std::to_string(kTextLimit) + " bytes; nothing was changed");
         }
-        std::cerr << "rkparam: nothing was changed (--force writes it anyway)\n";
-        return kFound;
+    } else {
+        text = gantrix::ReadInputFile(o.other, kTextLimit);
     }
-    Write(l, *outcome.image);
-    std::cout << "rkparam: saved " << l.file << "\n";
-    return kOk;
+    const gantrix::ProjectPath path = Locate(o.path);
+    const std::string cpu = CpuFor(o.cpu, path.projectDir, hl::CpuOfText(text));
+    return Report(hl::ImportIntoProject(path, cpu, text), o.other, "these parameters");
 }
 
 }  // namespace
@@ -351,7 +332,6 @@ std::function<int()> AddHeadlessCommands(CLI::App& app) {
         "import", "the parameters from the text of export, byte for byte (- reads stdin)");
     path(importCommand);
     importCommand->add_option("FILE", o->other, "text made by export")->required();
-    importCommand->add_flag("--force", o->force, "write even when the result fails the checks");
     commands->push_back({importCommand, Import});
 
     return [o, commands] {
@@ -361,8 +341,14 @@ std::function<int()> AddHeadlessCommands(CLI::App& app) {
                 return c.run(*o);
             } catch (const Failure& failure) {
                 std::cerr << "rkparam: " << failure.what() << "\n";
+            } catch (const gantrix::ProjectInUse& error) {
+                std::cerr << "rkparam: " << error.Description() << "; nothing was changed\n";
             } catch (const gantrix::RuntimeError& error) {
                 std::cerr << "rkparam: " << error.Description() << "\n";
+            } catch (const std::exception& error) {
+                // No exception leaves the program: whatever it was, the user reads it.
+                std::cerr << "rkparam: " << c.sub->get_name() << " failed: " << error.what()
+                          << "\n";
             }
             return kFailed;
         }

@@ -1,11 +1,6 @@
 #include "ProjectFiles.h"
 
-#include <sys/stat.h>
-
-#include <cstdint>
-#include <vector>
-
-#include "store/ParameterFiles.h"
+#include "store/ProjectAccess.h"
 
 namespace rkparam {
 
@@ -15,12 +10,12 @@ std::string WithSeparator(std::string dir) {
 }
 
 std::string ReadCpuNote(const std::string& dir) {
-    const std::string path = WithSeparator(dir) + kCpuFile;
-    struct stat info {};
-    if (::lstat(path.c_str(), &info) != 0) return "";
-    const std::vector<uint8_t> bytes = gantrix::ReadWholeFile(path);
-    std::string text(bytes.begin(), bytes.end());
-    return text.substr(0, text.find('\n'));
+    const auto text = gantrix::ReadProjectNote(WithSeparator(dir), kCpuFile);
+    if (!text) return "";
+    // "A3 \n" as new writes it; a CR of an editor goes too, other characters stay to be named.
+    std::string code = text->substr(0, text->find('\n'));
+    if (!code.empty() && code.back() == '\r') code.pop_back();
+    return code;
 }
 
 }  // namespace rkparam

@@ -11,8 +11,9 @@ inline constexpr const char* kCpuFile = "rkparam.cpu";
 
 std::string WithSeparator(std::string dir);
 
-// The CPU type noted by "rkparam new" in dir; "" when there is no note. Anything but a
-// regular file is refused with a RuntimeError (a FIFO would block).
+// The CPU type noted by "rkparam new" in dir; "" when there is no note. Anything but a small
+// regular file that can be read is refused with a RuntimeError naming it (a FIFO would
+// block, a huge file would be read whole).
 std::string ReadCpuNote(const std::string& dir);
 
 }  // namespace rkparam

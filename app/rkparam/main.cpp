@@ -23,8 +23,8 @@
 #include "HeadlessCommands.h"
 #include "ProjectFiles.h"
 #include "entry/GantrixA0J.h"
-#include "store/ParameterFiles.h"
 #include "store/Project.h"
+#include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
 
 namespace {
@@ -61,8 +61,8 @@ int New(std::string cpu, const std::string& dir, bool force) {
             cpu, dir, force, {{kCpuFile, std::vector<uint8_t>(note.begin(), note.end())}});
         for (const std::string& warning : warnings)
             std::cerr << "rkparam: warning: " << warning << "\n";
-    } catch (const gantrix::RuntimeError& error) {
-        std::cerr << "rkparam: " << error.Description() << "\n";
+    } catch (const std::exception& error) {
+        std::cerr << "rkparam: " << error.what() << "\n";
         return kFailed;
     }
     std::cout << "rkparam: made " << WithSeparator(dir) << "param.tmp for CPU type \"" << cpu
@@ -107,26 +107,17 @@ int Run(const RunOptions& options) {
         std::cerr << "rkparam: project directory \"" << dir << "\" does not exist\n";
         return kFailed;
     }
-    // Looked up as the component looks it up: "PARAM.TMP" is the project's file too.
-    std::string param = WithSeparator(dir) + "param.tmp";
+    // Looked up and loaded as the component does ("PARAM.TMP" is the project's file too),
+    // so that a project it would refuse is refused before anything is touched.
     try {
-        const std::string name = gantrix::FindEntry(param);
-        if (name.empty()) {
-            std::cerr << "rkparam: \"" << param
+        const gantrix::ProjectPath project = gantrix::LocateProject(dir);
+        if (!project.exists) {
+            std::cerr << "rkparam: \"" << project.file
                       << "\" is missing; make the project with: rkparam new --cpu CODE " << dir
                       << "\n";
             return kFailed;
         }
-        param = WithSeparator(dir) + name;
-        if (::stat(param.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-            std::cerr << "rkparam: \"" << param << "\" is not a regular file\n";
-            return kFailed;
-        }
-        if (info.st_size != 3072) {
-            std::cerr << "rkparam: \"" << param << "\" holds " << info.st_size
-                      << " bytes; a parameter file holds exactly 3072\n";
-            return kFailed;
-        }
+        gantrix::LoadParameterImage(project.file);
         if (cpu.empty()) {
             cpu = ReadCpuNote(dir);
             if (cpu.empty()) return Usage("no CPU type: give --cpu CODE");

@@ -4,6 +4,7 @@
 #include <QMetaObject>
 #include <QPushButton>
 #include <memory>
+#include <optional>
 
 #include "common/ModuleState.h"
 #include "common/qt/QtMessagePresenter.h"
@@ -11,7 +12,7 @@
 #include "platform/rkcmnt/rkcmnt.h"
 #include "platform/user32/user32.h"
 #include "store/ParameterFiles.h"
-#include "store/ProjectLock.h"
+#include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
 
 namespace gantrix {
@@ -77,11 +78,18 @@ int16_t RKParam::Param_main() {
     }
     if (ProjectName.back() != '/') ProjectName += '/';
 
-    // The run holds its project to the end.
-    ProjectLock lock(ProjectName);
-    if (!lock.Held()) {
-        return Refuse("The project \"" + ProjectName +
-                      "\" is in use by another run of the parameter mode.");
+    // The run holds its project to the end, and the directory its "param.tmp" leads to; what
+    // killed writers left half-written there goes once it is held.
+    std::optional<ProjectHold> hold;
+    try {
+        hold.emplace(LocateProject(ProjectName));
+        // END positions from a file the library would hang on or misread would let a memory
+        // size through that the programs do not fit.
+        CheckProgramEnd(ProjectName);
+    } catch (const ProjectInUse& error) {
+        return Refuse(error.Description() + ".");
+    } catch (const RuntimeError& error) {
+        return Refuse(error.Description());
     }
 
     // 5: the image and the END positions of the programs. A "param.tmp" that cannot be
@@ -96,8 +104,6 @@ int16_t RKParam::Param_main() {
         s.CpuType = cpuText.data();
         for (int i = 0; i < 4; ++i) s.EndPosition[i] = endPosition[i];
     }
-    // What a killed run left half-written goes now that this run holds the project.
-    RemoveStaleParts(ProjectName);
 
     // 1-3: the menu, with its captions; it centres itself when shown.
     auto menu = std::make_unique<frmMenu>(s);

@@ -23,9 +23,9 @@ class RKParam {
 
     // 1 when "param.tmp" was rewritten, 0 otherwise. A runtime error (a failing file
     // operation, a device size that does not fit) is thrown to the caller. A run refused
-    // before the menu opens (the project is in use by another run, or its "param.tmp"
-    // cannot be loaded whole) shows the reason in a box and returns 0 without touching a
-    // file.
+    // before the menu opens (the project is in use by another run, its lock or its
+    // "program.end" cannot be used, or its "param.tmp" cannot be loaded whole) shows the
+    // reason in a box and returns 0 without touching a file.
     int16_t Param_main();
 
     // After Param_main returned: the reason a run was refused, or the warnings of a run

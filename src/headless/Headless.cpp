@@ -4,7 +4,8 @@
 #include <cstdio>
 #include <map>
 #include <memory>
-#include <sstream>
+#include <string_view>
+#include <tuple>
 
 #include "common/ControlNumbers.h"
 #include "common/InputRoutines.h"
@@ -92,67 +93,6 @@ void MenuChecks(const ParameterImage& image, const std::string& cpu, const EndPo
     }
 }
 
-struct ParsedField {
-    std::string key;
-    std::string value;
-    int line = 0;
-};
-
-// The image the fields give (see Headless.h); errors name what cannot be assigned.
-ParameterImage ImageOfFields(const std::vector<ParsedField>& fields, const DialogContext& context,
-                             std::vector<std::string>& errors) {
-    const Pages pages = PagesFor(context);
-    std::vector<FieldRef> all;
-    all.reserve(512);
-    for (const auto& page : pages) {
-        page->TakeAll();
-        for (FieldRef& field : page->AllFields()) all.push_back(std::move(field));
-    }
-    // Fields usually come in the order of the list; the index is built only for the others.
-    std::map<std::string, size_t> index;
-    std::vector<int> givenOn(all.size(), 0);  // the line that gave each field
-    size_t next = 0;
-    for (const ParsedField& f : fields) {
-        size_t at = next;
-        if (at >= all.size() || all[at].key != f.key) {
-            if (index.empty()) {
-                for (size_t i = 0; i < all.size(); ++i) index.emplace(all[i].key, i);
-            }
-            const auto found = index.find(f.key);
-            at = found == index.end() ? all.size() : found->second;
-        }
-        const auto where = [&f] { return "line " + std::to_string(f.line) + ": "; };
-        if (at == all.size()) {
-            errors.push_back(where() + f.key + " is no field of CPU type \"" + context.CpuType +
-                             "\"");
-            continue;
-        }
-        next = at + 1;
-        if (givenOn[at] != 0) {
-            errors.push_back(where() + f.key + " is given twice (first on line " +
-                             std::to_string(givenOn[at]) + ")");
-            continue;
-        }
-        givenOn[at] = f.line;
-        if (!Page::Assign(all[at], f.value)) {
-            errors.push_back(where() + f.key + " does not take \"" + f.value + "\"");
-        }
-    }
-    ParameterImage image;
-    platform::BuildDefaultImage(context.CpuType, image.data());
-    for (const auto& page : pages) {
-        // A value that does not fit its word stops that dialog's OK; the dialog then leaves the
-        // image as it was, on export as on import.
-        ParameterImage written = image;
-        try {
-            page->Write(written);
-            image = written;
-        } catch (const std::exception&) {
-        }
-    }
-    return image;
-}
-
 // Where the check bytes and the network sum lie, and whether an image holds them as its own
 // bytes give them: the text form then says "computed" rather than listing them, so that an
 // edited field gets them right again.
@@ -202,13 +142,15 @@ struct Decomposition {
 Decomposition Decompose(const ParameterImage& image, const DialogContext& context) {
     Decomposition d;
     d.dialogs = Show(image, context);
-    std::vector<ParsedField> fields;
+    std::vector<TextField> fields;
     fields.reserve(512);
     for (const ShownDialog& dialog : d.dialogs) {
+        for (const ShownField& f : dialog.actions) fields.push_back({f.key, f.value, 0});
         for (const ShownField& f : dialog.fields) fields.push_back({f.key, f.value, 0});
     }
-    std::vector<std::string> errors;  // none: every shown value assigns back
-    d.fieldsImage = ImageOfFields(fields, context, errors);
+    // A dialog that refuses what the image holds keeps its default bytes in W: the listed
+    // bytes still give the image, and import refuses the text as the dialog refuses it.
+    d.fieldsImage = TypeFields(fields, context).image;
     d.sums = SumsOf(image, context.CpuType);
     d.image = &image;
     return d;
@@ -232,52 +174,6 @@ std::vector<std::pair<int, int>> Ranges(Predicate differs) {
 
 std::vector<uint8_t> Slice(const ParameterImage& image, int first, int last) {
     return {image.bytes().begin() + first, image.bytes().begin() + last + 1};
-}
-
-std::optional<std::vector<uint8_t>> ParseHex(const std::string& text) {
-    std::vector<uint8_t> bytes;
-    std::istringstream in(text);
-    std::string word;
-    while (in >> word) {
-        if (word.size() != 2 ||
-            word.find_first_not_of("0123456789ABCDEFabcdef") != std::string::npos) {
-            return std::nullopt;
-        }
-        bytes.push_back(static_cast<uint8_t>(std::stoi(word, nullptr, 16)));
-    }
-    return bytes;
-}
-
-struct ParsedBytes {
-    int first = 0;
-    int last = 0;
-    std::vector<uint8_t> value;
-    std::vector<uint8_t> fieldsGive;
-    int line = 0;
-};
-
-// "bytes FIRST..LAST = hh .. (fields give hh ..)"
-std::optional<ParsedBytes> ParseBytesLine(const std::string& line) {
-    ParsedBytes b;
-    int consumed = 0;
-    if (std::sscanf(line.c_str(), "bytes %d..%d =%n", &b.first, &b.last, &consumed) != 2) {
-        return std::nullopt;
-    }
-    const std::string rest = line.substr(static_cast<size_t>(consumed));
-    const std::string marker = "(fields give ";
-    const size_t at = rest.find(marker);
-    if (at == std::string::npos || rest.empty() || Trim(rest).back() != ')') return std::nullopt;
-    const auto value = ParseHex(rest.substr(0, at));
-    const size_t start = at + marker.size();
-    const auto fields = ParseHex(rest.substr(start, rest.rfind(')') - start));
-    if (!value || !fields || b.first < 0 || b.last >= kImageSize || b.first > b.last) {
-        return std::nullopt;
-    }
-    const size_t count = static_cast<size_t>(b.last - b.first + 1);
-    if (value->size() != count || fields->size() != count) return std::nullopt;
-    b.value = *value;
-    b.fieldsGive = *fields;
-    return b;
 }
 
 }  // namespace
@@ -307,6 +203,7 @@ std::vector<ShownDialog> Show(const ParameterImage& image, const DialogContext& 
         for (FieldRef& field : fields) {
             dialog.fields.push_back({std::move(field.key), Page::ValueOf(field)});
         }
+        for (auto& [key, value] : page->ActionsShowing()) dialog.actions.push_back({key, value});
         dialogs.push_back(std::move(dialog));
     }
     return dialogs;
@@ -391,8 +288,161 @@ SetOutcome Set(const ParameterImage& image, const DialogContext& context,
     // has the network sum rewritten when the I/O assignment flag 1071 changed.
     const int flag = kIoAssignedFlagAt;
     SetCheckSum(work, context.CpuType, work[flag] != 0xFF && work[flag] != image[flag]);
+    // A dialog checks only its own boxes; what it changed under another (the latch end that
+    // moves the step relay range) shows in the whole check.
+    Findings findings = CompareChecks(image, work, context, endPositions);
+    outcome.warnings = std::move(findings.kept);
+    if (!findings.added.empty()) {
+        outcome.refusals = std::move(findings.added);
+        return outcome;
+    }
     outcome.image = work;
     return outcome;
+}
+
+Findings CompareChecks(const ParameterImage& before, const ParameterImage& after,
+                       const DialogContext& context, const EndPositions& endPositions) {
+    const auto id = [](const Violation& v) { return std::tie(v.dialog, v.key, v.message); };
+    const std::vector<Violation> had = Check(before, context, endPositions);
+    Findings findings;
+    for (Violation& v : Check(after, context, endPositions)) {
+        const bool old =
+            std::ranges::any_of(had, [&](const Violation& h) { return id(h) == id(v); });
+        (old ? findings.kept : findings.added).push_back(std::move(v));
+    }
+    return findings;
+}
+
+std::string Describe(const Violation& v) {
+    std::string text = v.line > 0 ? "line " + std::to_string(v.line) + ": " : "";
+    if (!v.dialog.empty()) text += "[" + v.dialog + "] ";
+    if (!v.key.empty()) text += v.key + (v.message >= 0 ? ": " : " ");
+    return text + v.text;
+}
+
+FieldsImage TypeFields(const std::vector<TextField>& fields, const DialogContext& context) {
+    FieldsImage out;
+    platform::BuildDefaultImage(context.CpuType, out.image.data());
+    const Pages pages = PagesFor(context);
+    const auto refuse = [&out](const TextField* f, const std::string& dialog,
+                               const std::string& key, const std::string& why) {
+        out.refusals.push_back({dialog, key, -1, why, f ? f->line : 0});
+    };
+    // Each line to its dialog, in the order given.
+    std::vector<std::vector<const TextField*>> typed(pages.size());
+    std::map<std::string, int> lineOf;
+    for (const TextField& f : fields) {
+        const auto [first, added] = lineOf.emplace(f.key, f.line);
+        if (!added) {
+            refuse(&f, "", f.key,
+                   "is given twice (first on line " + std::to_string(first->second) + ")");
+            continue;
+        }
+        const auto owner = std::ranges::find_if(
+            pages, [&f](const auto& page) { return f.key.starts_with(page->Name() + "."); });
+        if (owner == pages.end()) {
+            refuse(&f, "", f.key, "is no field of CPU type \"" + context.CpuType + "\"");
+            continue;
+        }
+        typed[static_cast<size_t>(owner - pages.begin())].push_back(&f);
+    }
+
+    for (size_t p = 0; p < pages.size(); ++p) {
+        Page& page = *pages[p];
+        ParameterImage opened = out.image;
+        page.Open(opened);
+        const size_t refusedBefore = out.refusals.size();
+        // The fields by key; listed again when one is not found, as typing can show more
+        // (the rows of a module count).
+        std::map<std::string, FieldRef> shown;
+        const auto list = [&] {
+            shown.clear();
+            for (FieldRef& field : page.Fields()) shown.emplace(field.key, field);
+        };
+        list();
+        std::map<std::string, FieldRef> actions;
+        for (FieldRef& action : page.Actions()) actions.emplace(action.key, action);
+        std::map<std::string, std::pair<const TextField*, std::string>> took;
+        for (const TextField* f : typed[p]) {
+            auto field = shown.find(f->key);
+            if (field == shown.end()) {
+                list();
+                field = shown.find(f->key);
+            }
+            const auto action = actions.find(f->key);
+            if (field == shown.end() && action == actions.end()) {
+                refuse(f, page.Name(), f->key,
+                       page.FindAny(f->key)
+                           ? "is not shown with the values given before it"
+                           : "is no field of CPU type \"" + context.CpuType + "\"");
+                continue;
+            }
+            // A button is pressed each time; a box is typed into only when its value is to
+            // change, as a user leaves alone what the dialog already shows.
+            const FieldRef& ref = field != shown.end() ? field->second : action->second;
+            if (field == shown.end() || Page::ValueOf(ref) != f->value) {
+                if (const auto refused = page.Type(ref, f->value)) {
+                    refuse(f, page.Name(), f->key, *refused);
+                    continue;
+                }
+            }
+            if (field != shown.end()) took[f->key] = {f, Page::ValueOf(ref)};
+        }
+        for (const FieldRef& field : page.Fields()) {
+            const auto given = took.find(field.key);
+            if (given == took.end()) {
+                if (!lineOf.contains(field.key))
+                    refuse(nullptr, page.Name(), field.key, "is not given");
+            } else if (Page::ValueOf(field) != given->second.second) {
+                refuse(given->second.first, page.Name(), field.key,
+                       "shows " + QuoteValue(Page::ValueOf(field)) + ", not " +
+                           QuoteValue(given->second.second) +
+                           ", once the lines of its dialog are typed");
+            }
+        }
+        if (out.refusals.size() != refusedBefore) continue;
+        const ErrorTables errors = page.Check(opened);
+        if (errors.Any()) {
+            Collect(page, context.CpuType, errors, out.refusals);
+            for (size_t i = refusedBefore; i < out.refusals.size(); ++i) {
+                const auto line = lineOf.find(out.refusals[i].key);
+                if (line != lineOf.end()) out.refusals[i].line = line->second;
+            }
+            continue;
+        }
+        // No exception of a write is swallowed: a value it cannot store is a refusal.
+        try {
+            page.Write(opened);
+            out.image = opened;
+        } catch (const std::exception& error) {
+            refuse(nullptr, page.Name(), "", error.what());
+        }
+    }
+    return out;
+}
+
+std::vector<std::string> PutListedBytes(const std::vector<TextBytes>& bytes,
+                                        ParameterImage& image) {
+    std::vector<std::string> notes;
+    const ParameterImage w = image;
+    for (const TextBytes& b : bytes) {
+        bool overridden = false;
+        for (int i = b.first; i <= b.last; ++i) {
+            const size_t k = static_cast<size_t>(i - b.first);
+            if (w[i] == b.fieldsGive[k]) {
+                image[i] = b.value[k];
+            } else {
+                overridden = true;
+            }
+        }
+        if (overridden) {
+            notes.push_back("line " + std::to_string(b.line) + ": bytes " +
+                            std::to_string(b.first) + ".." + std::to_string(b.last) +
+                            ": the fields now give " + HexBytes(Slice(w, b.first, b.last)) +
+                            " there; the edited fields win over the listed bytes");
+        }
+    }
+    return notes;
 }
 
 std::string QuoteValue(const std::string& value) {
@@ -459,6 +509,8 @@ std::string ExportText(const ParameterImage& image, const DialogContext& context
     text += std::string("network_sum = ") + (d.sums.networkSum ? kComputed : kAsListed) + "\n";
     for (const ShownDialog& dialog : d.dialogs) {
         text += "\n[" + dialog.name + "] " + dialog.title + "\n";
+        for (const ShownField& f : dialog.actions)
+            text += f.key + " = " + QuoteValue(f.value) + "\n";
         for (const ShownField& f : dialog.fields) {
             text += f.key + " =";
             if (!f.value.empty()) text += " " + QuoteValue(f.value);
@@ -475,104 +527,194 @@ std::string ExportText(const ParameterImage& image, const DialogContext& context
     return text;
 }
 
-std::string CpuOfText(const std::string& text) {
-    std::istringstream in(text);
-    std::string line;
-    while (std::getline(in, line)) {
-        const std::string t = Trim(line);
-        if (t.compare(0, 3, "cpu") != 0) continue;
-        const size_t eq = t.find('=');
-        if (eq == std::string::npos || Trim(t.substr(0, eq)) != "cpu") continue;
-        return UnquoteValue(Trim(t.substr(eq + 1))).value_or("");
-    }
-    return "";
+namespace {
+
+constexpr size_t kListedErrors = 100;
+
+bool Decimal(const std::string& text, size_t& at, int& value) {
+    const size_t begin = at;
+    while (at < text.size() && at - begin < 5 && text[at] >= '0' && text[at] <= '9') ++at;
+    const size_t digits = at - begin;
+    // 0..3071, no sign and no leading zero: the form export writes.
+    if (digits == 0 || digits > 4 || (digits > 1 && text[begin] == '0')) return false;
+    value = std::stoi(text.substr(begin, digits));
+    return value < kImageSize;
 }
 
-ImportOutcome ImportText(const std::string& text, const DialogContext& context) {
-    ImportOutcome outcome;
-    std::vector<ParsedField> fields;
-    fields.reserve(512);
-    std::vector<ParsedBytes> bytes;
+bool Literal(const std::string& text, size_t& at, std::string_view literal) {
+    if (text.compare(at, literal.size(), literal) != 0) return false;
+    at += literal.size();
+    return true;
+}
+
+int HexDigit(char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    return -1;
+}
+
+// count bytes of two hexadecimal digits, one blank between them.
+bool HexRun(const std::string& text, size_t& at, size_t count, std::vector<uint8_t>& bytes) {
+    for (size_t i = 0; i < count; ++i) {
+        if (i > 0 && !Literal(text, at, " ")) return false;
+        if (at + 2 > text.size()) return false;
+        const int high = HexDigit(text[at]), low = HexDigit(text[at + 1]);
+        if (high < 0 || low < 0) return false;
+        bytes.push_back(static_cast<uint8_t>(16 * high + low));
+        at += 2;
+    }
+    return true;
+}
+
+// "bytes FIRST..LAST = hh .. (fields give hh ..)", exactly.
+std::optional<TextBytes> ParseBytesLine(const std::string& line) {
+    TextBytes b;
+    size_t at = 0;
+    if (!Literal(line, at, "bytes ") || !Decimal(line, at, b.first) || !Literal(line, at, "..") ||
+        !Decimal(line, at, b.last) || b.last < b.first || !Literal(line, at, " = ")) {
+        return std::nullopt;
+    }
+    const size_t count = static_cast<size_t>(b.last - b.first + 1);
+    if (!HexRun(line, at, count, b.value) || !Literal(line, at, " (fields give ") ||
+        !HexRun(line, at, count, b.fieldsGive) || !Literal(line, at, ")") || at != line.size()) {
+        return std::nullopt;
+    }
+    return b;
+}
+
+}  // namespace
+
+ParsedText ParseText(const std::string& text) {
+    ParsedText parsed;
+    const auto error = [&parsed](int line, const std::string& key, const std::string& why) {
+        if (parsed.errors.size() < kListedErrors) {
+            parsed.errors.push_back({"", key, -1, why, line});
+        } else {
+            ++parsed.unlisted;
+        }
+    };
     std::map<std::string, int> seen;
-    Sums sums;  // computed unless the text says otherwise
-    std::istringstream in(text);
-    std::string raw;
+    size_t at = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;  // a byte-order mark
     int lineNo = 0;
-    while (std::getline(in, raw)) {
+    while (at < text.size()) {
+        size_t end = text.find('\n', at);
+        if (end == std::string::npos) end = text.size();
+        std::string raw = text.substr(at, end - at);
+        at = end + 1;
         ++lineNo;
         if (!raw.empty() && raw.back() == '\r') raw.pop_back();
+        const auto control = std::ranges::find_if(raw, [](char c) {
+            const auto u = static_cast<unsigned char>(c);
+            return u < 32 || u == 127;
+        });
+        if (control != raw.end()) {
+            char code[8];
+            std::snprintf(code, sizeof code, "0x%02X", static_cast<unsigned char>(*control));
+            error(lineNo, "",
+                  std::string("holds the control character ") + code +
+                      " (a value holding one is written quoted, as \\x escapes)");
+            continue;
+        }
         const std::string line = Trim(raw);
-        const std::string where = "line " + std::to_string(lineNo) + ": ";
-        if (line.empty() || line[0] == '#' || line[0] == '[') continue;
-        if (line.compare(0, 6, "bytes ") == 0) {
-            auto parsed = ParseBytesLine(line);
-            if (!parsed) {
-                outcome.errors.push_back(where +
-                                         "expected \"bytes FIRST..LAST = hex bytes "
-                                         "(fields give hex bytes)\" within 0..3071");
+        if (line.empty() || line[0] == '#') continue;
+        if (line[0] == '[') {
+            if (line.find(']') == std::string::npos) error(lineNo, "", "expected \"[name] title\"");
+            continue;
+        }
+        if (line.starts_with("bytes ")) {
+            auto bytes = ParseBytesLine(line);
+            if (!bytes) {
+                error(lineNo, "",
+                      "expected \"bytes FIRST..LAST = hh .. (fields give hh ..)\": FIRST and "
+                      "LAST decimal in 0..3071, FIRST not above LAST, two hexadecimal digits "
+                      "for each byte of the range");
                 continue;
             }
-            parsed->line = lineNo;
-            bytes.push_back(*parsed);
+            if (!parsed.bytes.empty() && bytes->first <= parsed.bytes.back().last) {
+                error(lineNo, "",
+                      "bytes " + std::to_string(bytes->first) + ".." + std::to_string(bytes->last) +
+                          " overlap or come before bytes " +
+                          std::to_string(parsed.bytes.back().first) + ".." +
+                          std::to_string(parsed.bytes.back().last) + " of line " +
+                          std::to_string(parsed.bytes.back().line) +
+                          "; ranges come in ascending order, each byte once");
+                continue;
+            }
+            bytes->line = lineNo;
+            parsed.bytes.push_back(std::move(*bytes));
             continue;
         }
         const size_t eq = line.find('=');
-        if (eq == std::string::npos) {
-            outcome.errors.push_back(where + "expected \"key = value\"");
+        if (eq == std::string::npos || eq == 0) {
+            error(lineNo, "", "expected \"key = value\"");
             continue;
         }
         const std::string key = Trim(line.substr(0, eq));
         const auto value = UnquoteValue(Trim(line.substr(eq + 1)));
         if (!value) {
-            outcome.errors.push_back(where + "the quoted value of " + key + " is not closed");
+            error(lineNo, key, "the quoted value is not closed or holds an unknown escape");
             continue;
         }
         if (key == "cpu" || key == "check_bytes" || key == "network_sum") {
-            if (!seen.emplace(key, lineNo).second) {
-                outcome.errors.push_back(where + key + " is given twice (first on line " +
-                                         std::to_string(seen[key]) + ")");
-                continue;
-            }
-        }
-        if (key == "cpu") {
-            outcome.cpu = *value;
-            continue;
-        }
-        if (key == "check_bytes" || key == "network_sum") {
-            if (*value != kComputed && *value != kAsListed) {
-                outcome.errors.push_back(where + key + " takes \"" + kComputed + "\" or \"" +
-                                         kAsListed + "\", not \"" + *value + "\"");
-            }
-            (key == "check_bytes" ? sums.checkBytes : sums.networkSum) = *value == kComputed;
-            continue;
-        }
-        fields.push_back({key, *value, lineNo});
-    }
-    if (!outcome.cpu.empty() && outcome.cpu != context.CpuType) {
-        outcome.errors.push_back("the text is for CPU type \"" + outcome.cpu +
-                                 "\", the project for \"" + context.CpuType + "\"");
-    }
-    ParameterImage image = ImageOfFields(fields, context, outcome.errors);
-    if (!outcome.errors.empty()) return outcome;
-    const ParameterImage w = image;
-    for (const ParsedBytes& b : bytes) {
-        bool overridden = false;
-        for (int i = b.first; i <= b.last; ++i) {
-            const size_t k = static_cast<size_t>(i - b.first);
-            if (w[i] == b.fieldsGive[k]) {
-                image[i] = b.value[k];
+            const auto [first, added] = seen.emplace(key, lineNo);
+            if (!added) {
+                error(lineNo, key,
+                      "is given twice (first on line " + std::to_string(first->second) + ")");
+            } else if (key == "cpu") {
+                parsed.cpu = *value;
+            } else if (*value != kComputed && *value != kAsListed) {
+                error(lineNo, key,
+                      std::string("takes \"") + kComputed + "\" or \"" + kAsListed + "\", not " +
+                          QuoteValue(*value));
             } else {
-                overridden = true;
+                (key == "check_bytes" ? parsed.checkBytesComputed : parsed.networkSumComputed) =
+                    *value == kComputed;
             }
+            continue;
         }
-        if (overridden) {
-            outcome.notes.push_back("line " + std::to_string(b.line) + ": bytes " +
-                                    std::to_string(b.first) + ".." + std::to_string(b.last) +
-                                    ": the fields now give " + HexBytes(Slice(w, b.first, b.last)) +
-                                    " there; the edited fields win over the listed bytes");
-        }
+        parsed.fields.push_back({key, *value, lineNo});
     }
-    PutSums(image, context.CpuType, sums);
+    return parsed;
+}
+
+std::string CpuOfText(const std::string& text) {
+    return ParseText(text).cpu;
+}
+
+ImportOutcome ImportText(const std::string& text, const ParameterImage& before,
+                         const DialogContext& context, const EndPositions& endPositions) {
+    ImportOutcome outcome;
+    ParsedText parsed = ParseText(text);
+    outcome.unlisted = parsed.unlisted;
+    outcome.refusals = std::move(parsed.errors);
+    if (!parsed.cpu.empty() && parsed.cpu != context.CpuType) {
+        outcome.refusals.push_back({"", "cpu", -1,
+                                    "the text is for CPU type " + QuoteValue(parsed.cpu) +
+                                        ", the project for \"" + context.CpuType + "\""});
+    }
+    if (parsed.fields.empty() && outcome.refusals.empty()) {
+        outcome.refusals.push_back(
+            {"", "", -1, "the text gives no field (is it the output of rkparam export?)"});
+    }
+    if (!outcome.refusals.empty()) return outcome;
+
+    FieldsImage typed = TypeFields(parsed.fields, context);
+    if (!typed.refusals.empty()) {
+        outcome.refusals = std::move(typed.refusals);
+        return outcome;
+    }
+    ParameterImage image = typed.image;
+    outcome.notes = PutListedBytes(parsed.bytes, image);
+    PutSums(image, context.CpuType, {parsed.checkBytesComputed, parsed.networkSumComputed});
+    MenuChecks(image, context.CpuType, endPositions, outcome.refusals);
+    if (!outcome.refusals.empty()) return outcome;
+    Findings findings = CompareChecks(before, image, context, endPositions);
+    outcome.warnings = std::move(findings.kept);
+    if (!findings.added.empty()) {
+        outcome.refusals = std::move(findings.added);
+        return outcome;
+    }
     outcome.image = image;
     return outcome;
 }

@@ -96,6 +96,10 @@ std::vector<FieldRef> Page::Actions() {
     return {};
 }
 
+std::vector<std::pair<std::string, std::string>> Page::ActionsShowing() {
+    return {};
+}
+
 std::vector<FieldRef> Page::AllFields() {
     return Fields();
 }

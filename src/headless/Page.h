@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "common/DialogContext.h"
@@ -81,6 +82,9 @@ class Page {
     // What can be typed but is no stored field: the buttons that fill fields (the fixed latch
     // patterns of the smallest CPU type).
     virtual std::vector<FieldRef> Actions();
+    // The actions, with the values to type, that fill the fields with what they show now;
+    // none when no action does.
+    virtual std::vector<std::pair<std::string, std::string>> ActionsShowing();
     // Every field the CPU type can show, also those the current values hide (the rows of
     // modules beyond the count).
     virtual std::vector<FieldRef> AllFields();

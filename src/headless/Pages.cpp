@@ -151,6 +151,17 @@ class LatchPage : public Page {
         pattern.id = -1;
         return {pattern};
     }
+    std::vector<std::pair<std::string, std::string>> ActionsShowing() override {
+        const std::vector<FieldRef> actions = Actions();
+        if (actions.empty()) return {};
+        const OptionSet& patterns = *actions.front().options;
+        for (int p = 0; p < static_cast<int>(patterns.values.size()); ++p) {
+            LatchFields filled = f_;
+            ApplyLatchPattern(filled, p);
+            if (filled.Text1 == f_.Text1) return {{actions.front().key, patterns.values[p]}};
+        }
+        return {};
+    }
 
     ErrorTables Check(const ParameterImage&) const override {
         return ValidateLatch(f_, limits_, Context());

@@ -12,6 +12,7 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "platform/rkcmnt/rkcmnt.h"
@@ -108,7 +109,7 @@ std::vector<uint8_t> ImageBytes(const StoreState& state) {
 // The file a write to path replaces: path itself, or the end of the chain of symbolic links
 // that starts there (a link to nothing leads to the file to be made). info receives the
 // target's own status; st_mode 0 when it does not exist yet.
-std::string ResolveLinks(const std::string& path, struct stat& info) {
+std::string ResolveLinksOf(const std::string& path, struct stat& info) {
     std::string current = path;
     for (int depth = 0; depth < 40; ++depth) {
         info = {};
@@ -127,6 +128,36 @@ std::string ResolveLinks(const std::string& path, struct stat& info) {
         current = next.front() == '/' ? next : SplitPath(current).first + next;
     }
     throw FileError("Cannot write", path, ELOOP);
+}
+
+// Refuses a write whose final target exists and is not a regular file: renaming over a
+// device, a FIFO or a directory would put a regular file in its place. The kernel's own view
+// of path is asked too, for links the chain above cannot follow (/proc/self/fd/1 to a pipe).
+void RequireRegularTarget(const std::string& path, const std::string& target,
+                          const struct stat& info) {
+    const auto refuse = [&path](const std::string& what) {
+        throw RuntimeError(kErrPathFileAccess,
+                           "Cannot write \"" + path + "\": " + what + "; nothing was written");
+    };
+    if (info.st_mode != 0 && !S_ISREG(info.st_mode)) {
+        refuse(target == path ? "it is " + KindOf(info.st_mode) + ", not a regular file"
+                              : "it leads to \"" + target + "\", " + KindOf(info.st_mode) +
+                                    ", not a regular file");
+    }
+    struct stat followed {};
+    if (::stat(path.c_str(), &followed) != 0) return;  // nothing there yet, or refused below
+    if (!S_ISREG(followed.st_mode)) {
+        refuse("it leads to " + KindOf(followed.st_mode) + ", not a regular file");
+    }
+    if (info.st_mode == 0 || followed.st_dev != info.st_dev || followed.st_ino != info.st_ino) {
+        refuse("its links cannot be followed to a file in a directory");
+    }
+}
+
+RuntimeError TooLarge(const std::string& path, size_t limit, uint64_t size) {
+    return RuntimeError(kErrPathFileAccess, "Cannot read \"" + path + "\": it holds " +
+                                                std::to_string(size) + " bytes, more than the " +
+                                                std::to_string(limit) + " such a file can hold");
 }
 
 // ".<name>.<pid>.<n>.part", the temporary name StagedFile gives.
@@ -157,10 +188,42 @@ std::string FindEntry(const std::string& path) {
     return Lookup(path, false);
 }
 
+std::string ResolveLinks(const std::string& path) {
+    struct stat info {};
+    return ResolveLinksOf(path, info);
+}
+
+std::string KindOf(unsigned mode) {
+    switch (mode & S_IFMT) {
+        case S_IFREG:
+            return "a regular file";
+        case S_IFDIR:
+            return "a directory";
+        case S_IFIFO:
+            return "a FIFO";
+        case S_IFCHR:
+            return "a character device";
+        case S_IFBLK:
+            return "a block device";
+        case S_IFSOCK:
+            return "a socket";
+        case S_IFLNK:
+            return "a symbolic link";
+        default:
+            return "a file of an unknown kind";
+    }
+}
+
+std::string DirectoryOf(const std::string& path) {
+    const std::string directory = SplitPath(path).first;
+    return directory.empty() ? "./" : directory;
+}
+
 StagedFile::StagedFile(const std::string& path, const std::vector<uint8_t>& bytes) : path_(path) {
     static std::atomic<unsigned> counter{0};
     struct stat info {};
-    target_ = ResolveLinks(path, info);
+    target_ = ResolveLinksOf(path, info);
+    RequireRegularTarget(path, target_, info);
     const auto [directory, name] = SplitPath(target_);
     temp_ = directory + "." + name + "." + std::to_string(::getpid()) + "." +
             std::to_string(counter++) + ".part";
@@ -186,6 +249,12 @@ StagedFile::~StagedFile() {
 }
 
 void StagedFile::Commit() {
+    // What stands at the target may have changed since the file was staged.
+    struct stat info {};
+    if (::lstat(target_.c_str(), &info) != 0 && errno != ENOENT) {
+        throw FileError("Cannot write", path_, errno);
+    }
+    if (info.st_mode != 0 && !S_ISREG(info.st_mode)) RequireRegularTarget(path_, target_, info);
     if (::rename(temp_.c_str(), target_.c_str()) != 0) {
         throw FileError("Cannot write", path_, errno);
     }
@@ -196,9 +265,10 @@ void WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& by
     StagedFile(path, bytes).Commit();
 }
 
-std::vector<uint8_t> ReadWholeFile(const std::string& path) {
+std::optional<std::vector<uint8_t>> ReadFileIfAny(const std::string& path, size_t limit) {
     // Not blocking on a FIFO: it is refused below like every other kind of file.
     const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0 && (errno == ENOENT || errno == ENOTDIR)) return std::nullopt;
     if (fd < 0) throw FileError("Cannot read", path, errno);
     struct stat info {};
     if (::fstat(fd, &info) != 0) {
@@ -208,7 +278,14 @@ std::vector<uint8_t> ReadWholeFile(const std::string& path) {
     }
     if (!S_ISREG(info.st_mode)) {
         ::close(fd);
-        throw RuntimeError(kErrPathFileAccess, "Cannot read \"" + path + "\": not a regular file");
+        throw RuntimeError(kErrPathFileAccess, "Cannot read \"" + path + "\": it is " +
+                                                   KindOf(info.st_mode) + ", not a regular file");
+    }
+    // The size is looked at before anything is read; the reads stop past the limit too, for
+    // a file that grows meanwhile.
+    if (static_cast<uint64_t>(info.st_size) > limit) {
+        ::close(fd);
+        throw TooLarge(path, limit, static_cast<uint64_t>(info.st_size));
     }
     std::vector<uint8_t> bytes;
     uint8_t buffer[8192];
@@ -222,9 +299,19 @@ std::vector<uint8_t> ReadWholeFile(const std::string& path) {
         }
         if (n == 0) break;
         bytes.insert(bytes.end(), buffer, buffer + n);
+        if (bytes.size() > limit) {
+            ::close(fd);
+            throw TooLarge(path, limit, bytes.size());
+        }
     }
     ::close(fd);
     return bytes;
+}
+
+std::vector<uint8_t> ReadWholeFile(const std::string& path, size_t limit) {
+    auto bytes = ReadFileIfAny(path, limit);
+    if (!bytes) throw FileError("Cannot read", path, ENOENT);
+    return std::move(*bytes);
 }
 
 void CopyFileAtomically(const std::string& from, const std::string& to) {
@@ -442,14 +529,18 @@ std::vector<std::string> SaveRunFiles(StoreState& state) {
     }
     // "param.tmp" commits last: from here the parameters are saved.
     param.Commit();
+    return SyncAfterSave(param.Target(), dir);
+}
+
+std::vector<std::string> SyncAfterSave(const std::string& target, const std::string& projectDir) {
     std::vector<std::string> warnings;
-    std::vector<std::string> directories{SplitPath(param.Target()).first};
-    if (directories.front() != dir) directories.push_back(dir);
+    std::vector<std::string> directories{SplitPath(target).first};
+    if (directories.front() != projectDir) directories.push_back(projectDir);
     for (const std::string& directory : directories) {
         try {
             SyncDirectory(directory.empty() ? "." : directory);
         } catch (const RuntimeError& error) {
-            warnings.push_back(error.Description() + " (\"" + param.Target() +
+            warnings.push_back(error.Description() + " (\"" + target +
                                "\" is saved but may not survive a power loss)");
         }
     }

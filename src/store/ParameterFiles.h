@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,16 @@ std::string Dir(const std::string& path);
 
 // The same lookup for an entry of any kind (a directory, a FIFO, a dangling link too).
 std::string FindEntry(const std::string& path);
+
+// The file a write to path replaces: path itself, or the end of the chain of symbolic links
+// that starts there (a link to nothing leads to the file to be made).
+std::string ResolveLinks(const std::string& path);
+
+// "a FIFO", "a character device", ... for the file type bits of a st_mode, for messages.
+std::string KindOf(unsigned mode);
+
+// The directory part of path, ending in "/"; "./" for a bare name.
+std::string DirectoryOf(const std::string& path);
 
 // Writes image bytes 0..3071 to ProjectDir & name.
 void SaveParameterFile(const StoreState& state, const std::string& name);
@@ -88,6 +99,10 @@ void CopyWorkFiles(const StoreState& state);
 // save stands, and a failure to sync the directory comes back as a warning.
 std::vector<std::string> SaveRunFiles(StoreState& state);
 
+// After a file was renamed into place at target: syncs its directory and projectDir (when it
+// is another), so that the rename survives a power loss. A failure comes back as a warning.
+std::vector<std::string> SyncAfterSave(const std::string& target, const std::string& projectDir);
+
 // End of a run: SaveRunFiles when save, then, saved or not, DeleteWorkFiles. Returns the
 // warnings of both; a failed save raises, with the clean-up's failures added to its text.
 std::vector<std::string> FinishRunFiles(StoreState& state, bool save);
@@ -95,6 +110,10 @@ std::vector<std::string> FinishRunFiles(StoreState& state, bool save);
 // A file written whole, and synced, beside the file it is to replace, not yet in place. When
 // path is a symbolic link, the file replaced is the one the link leads to, so that the link
 // stays and its target is updated. The temporary file is removed unless committed.
+//
+// Only a regular file is ever replaced: when the target exists and is anything else (a device,
+// a FIFO, a directory, also through links), the write is refused naming the path and the
+// kind, before anything is written, and again at Commit for a target changed meanwhile.
 class StagedFile {
   public:
     StagedFile(const std::string& path, const std::vector<uint8_t>& bytes);
@@ -116,8 +135,11 @@ class StagedFile {
 
 // File primitives, raising RuntimeError on failure.
 void WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes);
-// Reads a regular file whole; anything else (a FIFO would block) is refused.
-std::vector<uint8_t> ReadWholeFile(const std::string& path);
+// Reads a regular file whole; anything else (a FIFO would block) is refused, and so is a file
+// of more than limit bytes, whose size is looked at before it is read.
+std::vector<uint8_t> ReadWholeFile(const std::string& path, size_t limit = SIZE_MAX);
+// The same, nullopt when there is no file at path.
+std::optional<std::vector<uint8_t>> ReadFileIfAny(const std::string& path, size_t limit);
 void CopyFileAtomically(const std::string& from, const std::string& to);
 void RemoveFile(const std::string& path);
 // Makes the renames in directory durable.

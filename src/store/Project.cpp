@@ -11,7 +11,7 @@
 #include "platform/rkcmnt/DeviceTable.h"
 #include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
-#include "store/ProjectLock.h"
+#include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
 
 namespace gantrix {
@@ -89,17 +89,13 @@ std::vector<std::string> CreateProject(const std::string& cpuType, const std::st
             previous.emplace_back();
             continue;
         }
-        previous.emplace_back(ReadWholeFile(path));  // refuses a FIFO, a directory, ...
+        // Refuses a FIFO, a directory, ...; these notes are small.
+        previous.emplace_back(ReadWholeFile(path, kSmallFileLimit));
     }
 
     const std::vector<std::string> created = MakeDirectories(directory);
     try {
-        ProjectLock lock(dir);
-        if (!lock.Held()) {
-            throw RuntimeError(
-                kErrFileAlreadyOpen,
-                "The project \"" + dir + "\" is in use by a run of the parameter mode");
-        }
+        const ProjectHold hold(LocateProject(dir));
         StoreState state;
         state.CpuType = cpuType;
         state.CpuCode = CpuCodeOf(cpuType);
@@ -108,7 +104,7 @@ std::vector<std::string> CreateProject(const std::string& cpuType, const std::st
             throw RuntimeError(kErrPathFileAccess, "No default parameters for \"" + cpuType + "\"");
         }
         SetCheckSum(state.image, state.CpuType, false);
-        StagedFile param(dir + (existing.empty() ? std::string(kParamTmp) : existing),
+        StagedFile param(hold.Path().file,
                          {state.image.bytes().begin(), state.image.bytes().end()});
         std::vector<std::unique_ptr<StagedFile>> staged;
         for (const ProjectFile& file : alongside) {
@@ -133,12 +129,7 @@ std::vector<std::string> CreateProject(const std::string& cpuType, const std::st
             }
             throw;
         }
-        try {
-            SyncDirectory(dir);
-        } catch (const RuntimeError& error) {
-            return {error.Description() + " (the project may not survive a power loss)"};
-        }
-        return {};
+        return SyncAfterSave(param.Target(), dir);
     } catch (...) {
         for (auto it = created.rbegin(); it != created.rend(); ++it) ::rmdir(it->c_str());
         throw;

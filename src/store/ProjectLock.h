@@ -14,7 +14,8 @@ inline constexpr const char* kProjectLockFile = ".param.lock";
 class ProjectLock {
   public:
     // Takes the lock of projectDir (ending in "/"). Held() is false when another run holds
-    // it; a lock file that cannot be made raises a RuntimeError naming it.
+    // it; a lock file that cannot be made, or that is not a regular file (a link, a FIFO, a
+    // device), raises a RuntimeError naming it.
     explicit ProjectLock(const std::string& projectDir);
     ~ProjectLock();
     ProjectLock(const ProjectLock&) = delete;

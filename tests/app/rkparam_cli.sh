@@ -103,12 +103,128 @@ grep -q '100 bytes' "$work/out" || fail "check names the size: $(cat "$work/out"
 expect_status 2 "show without a CPU type" "$rkparam" show "$work/short.tmp"
 "$rkparam" show --json "$work/h1" >"$work/h1.json" && grep -q '"assist.watchdog": "30"' "$work/h1.json" \
     || fail "show --json gives the fields: $(head -c 300 "$work/h1.json")"
-# A run holds the project: set waits for nobody and changes nothing.
-timeout 5 "$rkparam" "$work/h2" >/dev/null 2>&1 &
-sleep 2
+# A run holds the project: set waits for nobody and changes nothing, also through a link into
+# it from elsewhere, since the lock is taken where the save goes.
+mkdir "$work/other" && ln -s ../h2/param.tmp "$work/other/link.tmp"
+timeout 20 "$rkparam" "$work/h2" >/dev/null 2>&1 &
+run=$!
+for _ in $(seq 100); do [ -e "$work/h2/.param.lock" ] && break; sleep 0.1; done
 expect_status 2 "set on a project in use" "$rkparam" set "$work/h2" assist.watchdog=40
 grep -q 'in use' "$work/err" || fail "the lock is named: $(cat "$work/err")"
-wait
+expect_status 2 "set through a link into a held project" "$rkparam" set --cpu A3 "$work/other/link.tmp" assist.watchdog=40
+grep -q 'h2/.*in use' "$work/err" || fail "the held directory is named: $(cat "$work/err")"
+kill "$run"
+wait "$run" 2>/dev/null
+
+# import types each value as set does: a text the dialogs or the whole check refuse changes
+# nothing and names the line, the key and the reason. Each row: CPU, the sed edit of an
+# exported text, what the refusal names.
+while IFS='|' read -r cpu edit reason; do
+    dir="$work/imp-${cpu// /}"
+    [ -d "$dir" ] || { "$rkparam" new --cpu "$cpu" "$dir" >/dev/null
+        [ "$cpu" = A3U ] && "$rkparam" set "$dir" mini.modules=1 mini.module.1.start_io=0 >/dev/null
+        "$rkparam" export "$dir" -o "$dir.txt"; }
+    sed "$edit" "$dir.txt" >"$work/edited.txt"
+    cp "$dir/param.tmp" "$work/imp.before"
+    expect_status 1 "import refuses: $edit" "$rkparam" import "$dir" "$work/edited.txt"
+    grep -q -- "$reason" "$work/err" || fail "import of $edit names: $reason ($(head -3 "$work/err"))"
+    cmp -s "$dir/param.tmp" "$work/imp.before" || fail "import of $edit changed param.tmp"
+done <<'TABLE'
+A3|s/^latch.D.start =.*/latch.D.start = 99999999/|line 33: \[latch\] latch.D.start: 
+A3|s/^assist.watchdog =.*/assist.watchdog = 99999/|assist.watchdog: Setting out of range
+A3|s/^assist.watchdog =.*/assist.watchdog = +100/|assist.watchdog takes a decimal number
+A3|s/^assist.watchdog =.*/assist.watchdog = 0x64/|assist.watchdog takes a decimal number
+A3|s/^assist.watchdog =.*/assist.watchdog = ٣٠/|assist.watchdog takes a decimal number
+A3|s/^assist.watchdog =.*/assist.watchdog = 10\x000/|control character 0x00
+A3|s/^memory.comment =.*/memory.comment =/|memory.comment: Input a value.
+A3|s/^latch.C.end =.*/latch.C.end = ]/|latch.C.end takes a decimal number
+A3|/^assist.watchdog = /d|assist.watchdog is not given
+A3|$a bytes 4294967296..4294967296 = 07 (fields give FF)|expected "bytes FIRST..LAST
+A3|$a bytes 3000..3001 = 07 07 (fields give FF FF)\nbytes 3001..3001 = 08 (fields give FF)|overlap or come before bytes 3000..3001
+A3|d|the text gives no field
+A2C|s/^remote.total =.*/remote.total = 257/|remote.total: Setting out of range
+A2C|s/^remote.entry.1.start =.*/remote.entry.1.start = 261/;s/^remote.entry.1.protocol =.*/remote.entry.1.protocol = 0/|remote.entry.1.start: Invalid setting data.
+A3U|s/^mini.module.1.model =.*/mini.module.1.model = MINI/;s/^mini.module.1.stations =.*/mini.module.1.stations = 266/|mini.module.1.stations
+A3U|s/^mini.module.1.retries =.*/mini.module.1.retries = 64/|mini.module.1.retries
+TABLE
+# The same edit through set: the whole check, not only the dialogs opened.
+"$rkparam" new --cpu A3A "$work/a3a" >/dev/null
+expect_status 1 "set refuses what the check then finds" "$rkparam" set "$work/a3a" latch.L.end=2600
+grep -q 'assist.step_relay.last: Invalid range.' "$work/err" || fail "set names the finding: $(cat "$work/err")"
+# A byte-order mark and CR line ends are taken.
+"$rkparam" export "$work/h1" | sed '1s/^/\xEF\xBB\xBF/; s/$/\r/' >"$work/bom.txt"
+expect_status 0 "import of a text with a BOM and CRLF" "$rkparam" import "$work/h2" "$work/bom.txt"
+# At most 20 messages, then how many more.
+yes 'no such line' | head -n 100000 >"$work/flood.txt"
+expect_status 1 "import of 100000 bad lines" "$rkparam" import "$work/h2" "$work/flood.txt"
+[ "$(wc -l <"$work/err")" -le 22 ] && grep -q 'and 99980 more' "$work/err" || fail "the flood is cut: $(tail -2 "$work/err")"
+
+# Every write replaces only a regular file, also through links; anything else is refused
+# naming it, and stays. Each row: what stands at the target, made by a command.
+mkdir "$work/targets"
+while IFS='|' read -r name make kind; do
+    [ "$(id -u)" -ne 0 ] && [[ $make == mknod* ]] && continue
+    (cd "$work/targets" && eval "$make")
+    expect_status 2 "export -o onto $name" timeout 10 "$rkparam" export "$work/h1" -o "$work/targets/$name"
+    grep -q "$kind" "$work/err" || fail "export -o onto $name names $kind: $(cat "$work/err")"
+    [ -n "$(find "$work/targets" -maxdepth 1 -name "$name" ! -type f)" ] || fail "$name was replaced"
+done <<'TABLE'
+fifo|mkfifo fifo|a FIFO
+device|mknod device c 1 3|a character device
+link-to-fifo|ln -s fifo link-to-fifo|a FIFO
+link-to-device|ln -s device link-to-device|a character device
+TABLE
+"$rkparam" export "$work/h1" -o /dev/stdout 2>"$work/err" | cat >/dev/null
+grep -q '"/dev/stdout": it leads to a FIFO.*-o -' "$work/err" || fail "-o /dev/stdout on a pipe: $(cat "$work/err")"
+"$rkparam" new --cpu A3 "$work/nl" >/dev/null && rm "$work/nl/param.tmp" && ln -s ../targets/fifo "$work/nl/param.tmp"
+expect_status 2 "new --force through a link to a FIFO" timeout 10 "$rkparam" new --force --cpu A3 "$work/nl"
+[ -p "$work/targets/fifo" ] || fail "new --force replaced the FIFO"
+
+# The lock file is never followed or waited on; the refusal names it.
+for make in "ln -s $work/outside .param.lock" "mkfifo .param.lock"; do
+    (cd "$work/h1" && eval "$make")
+    expect_status 2 "set with a lock file made by: $make" timeout 10 "$rkparam" set "$work/h1" assist.watchdog=31
+    grep -q '.param.lock" is a' "$work/err" || fail "the lock file is named: $(cat "$work/err")"
+    rm "$work/h1/.param.lock"
+done
+[ ! -e "$work/outside" ] || fail "a dangling lock link made a file outside the project"
+
+# set syncs the directory after its rename (a failing sync is a warning naming it) and sweeps
+# the temporary file a killed writer left.
+: >"$work/h1/.param.tmp.99999.0.part"
+expect_status 0 "set with a failing directory sync" faulty EIO fsync h1 "$work/h1" "$rkparam" set "$work/h1" assist.watchdog=32
+grep -q 'warning: Cannot sync the directory.*h1' "$work/err" || fail "the failed sync is a warning: $(cat "$work/err")"
+[ ! -e "$work/h1/.param.tmp.99999.0.part" ] || fail "set leaves a stale part file"
+
+# Bounded input: a huge note or parameter file and a FIFO or unreadable "program.end" are
+# refused at once, naming the file.
+"$rkparam" new --cpu A3 "$work/big" >/dev/null && cp -r "$work/big" "$work/big.made"
+while IFS='|' read -r what make command named; do
+    rm -rf "$work/big" && cp -r "$work/big.made" "$work/big"
+    (cd "$work/big" && eval "$make")
+    eval "expect_status 2 \"$what\" $command"
+    grep -q "$named" "$work/err" || fail "$what names $named: $(cat "$work/err")"
+done <<TABLE
+a 1 GiB rkparam.cpu|truncate -s 1G rkparam.cpu|timeout 10 $rkparam check $work/big|rkparam.cpu.*holds 1073741824 bytes
+a 1 GiB param.tmp|truncate -s 1G param.tmp|timeout 10 $rkparam show $work/big|param.tmp.*holds 1073741824 bytes
+a FIFO program.end|mkfifo program.end|timeout 10 $rkparam set $work/big assist.watchdog=30|program.end.*a FIFO
+an unreadable program.end|echo 100 >program.end|faulty EIO read program.end $work/big $rkparam set $work/big assist.watchdog=30|program.end.*Input/output error
+TABLE
+rm -rf "$work/big" && cp -r "$work/big.made" "$work/big"
+
+# Messages: an I/O error on rkparam.cpu names it; a CR line end is taken, other control
+# characters are shown escaped; paths that are not UTF-8 are escaped in JSON.
+expect_status 2 "an I/O error on rkparam.cpu" faulty EIO "" rkparam.cpu "$work/big" "$rkparam" check "$work/big"
+grep -q 'rkparam.cpu.*Input/output error' "$work/err" || fail "the I/O error is named: $(cat "$work/err")"
+printf 'A3\r\n' >"$work/big/rkparam.cpu"
+expect_status 0 "rkparam.cpu with a CR line end" "$rkparam" check "$work/big"
+printf 'A3\033[2J\n' >"$work/big/rkparam.cpu"
+expect_status 2 "rkparam.cpu with an escape" "$rkparam" check "$work/big"
+grep -q 'unknown CPU type "A3\\x1B\[2J"' "$work/err" || fail "the note is shown escaped: $(cat -v "$work/err")"
+bad=$(printf "$work/bad\xff")
+"$rkparam" new --cpu A3 "$bad" >/dev/null
+expect_status 0 "show --json of a path that is not UTF-8" "$rkparam" show --json "$bad"
+grep -q '"file": ".*bad\\\\xFF/param.tmp"' "$work/out" || fail "the path is escaped: $(head -3 "$work/out")"
 
 expect_status 2 "no arguments" "$rkparam"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"

@@ -22,6 +22,8 @@
 #include "entry/GantrixA0J.h"
 #include "entry/RKParam.h"
 #include "fault/FileFaults.h"
+#include "headless/Page.h"
+#include "headless/ProjectChange.h"
 #include "support/core/TestSupport.h"
 
 extern char** environ;
@@ -274,6 +276,86 @@ TEST(TwoRuns, TheSecondIsRefusedWithoutTouchingAFileAndTheFirstSaves) {
     ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;  // saved
     EXPECT_EQ(scenario.project.Read("param.tmp"), reference.intended);
     EXPECT_EQ(scenario.project.List(), reference.listing);
+}
+
+// set and import as the command line makes them: each file call failing in turn, or the
+// process killed at it. "param.tmp" is the old or the new one, whole; the rename is followed
+// by a sync of the directory; the next change sweeps what a killed one left and saves.
+TEST(HeadlessChanges, EachFileCallFailingOrKilledKeepsParamTmpWholeAndTheNextChangeWorks) {
+    using Change = std::function<headless::ProjectChange(const ProjectPath&)>;
+    const std::string text = [] {
+        TempProject p(kCpu);
+        const auto context = headless::HeadlessContext(kCpu);
+        return headless::ExportText(
+            headless::Set(p.ParamTmp(), context, {{"assist.watchdog", "30"}}).image, context);
+    }();
+    const std::pair<const char*, Change> changes[] = {
+        {"set",
+         [](const ProjectPath& p) {
+             return headless::SetInProject(p, kCpu, {{"assist.watchdog", "30"}});
+         }},
+        {"import",
+         [&text](const ProjectPath& p) { return headless::ImportIntoProject(p, kCpu, text); }},
+    };
+    for (const auto& [name, change] : changes) {
+        SCOPED_TRACE(name);
+        const auto run = [&change = change](const TempProject& p, faults::Plan plan) {
+            plan.dir = p.Path().substr(0, p.Path().size() - 1);
+            faults::Arm(plan);
+            std::string error;
+            try {
+                change(LocateProject(p.Path()));
+            } catch (const RuntimeError& e) {
+                error = e.Description();
+            }
+            return std::pair{faults::Disarm(), error};
+        };
+        TempProject reference(kCpu);
+        const auto before = reference.Read("param.tmp");
+        const auto [calls, error] = run(reference, {});
+        ASSERT_EQ(error, "");
+        const auto intended = reference.Read("param.tmp");
+        ASSERT_NE(intended, before);
+        const auto renamed = std::ranges::find(calls, "rename", &Call::op);
+        ASSERT_NE(renamed, calls.end());
+        EXPECT_TRUE(std::any_of(renamed, calls.end(), [&](const Call& c) {
+            return c.op == "fsync" &&
+                   c.path.starts_with(reference.Path().substr(0, reference.Path().size() - 1));
+        })) << "the directory is synced after the rename";
+        for (size_t at = 1; at <= calls.size(); ++at) {
+            for (const bool kill : {false, true}) {
+                SCOPED_TRACE("call " + std::to_string(at) + (kill ? " killed: " : " failing: ") +
+                             calls[at - 1].op + " " + calls[at - 1].path);
+                TempProject p(kCpu);
+                p.Write(".param.tmp.99999.0.part", {1});  // left by a killed writer
+                if (kill) {
+                    const pid_t pid = ::fork();
+                    if (pid == 0) {
+                        run(p, {.at = static_cast<long>(at), .kill = true});
+                        ::_exit(0);
+                    }
+                    int status = 0;
+                    ::waitpid(pid, &status, 0);
+                    ASSERT_TRUE(WIFSIGNALED(status)) << status;
+                } else {
+                    const auto [failed, message] =
+                        run(p, {.at = static_cast<long>(at), .error = EIO});
+                    const auto after = p.Read("param.tmp");
+                    EXPECT_TRUE(after == intended || (after == before && !message.empty()))
+                        << message;
+                    const std::string named = NamedFile(failed[at - 1]);
+                    EXPECT_TRUE(message.empty() || message.find(named) != std::string::npos)
+                        << named << " unnamed in: " << message;
+                }
+                const auto after = p.Read("param.tmp");
+                EXPECT_TRUE(after == before || after == intended);
+                EXPECT_EQ(run(p, {}).second, "");
+                EXPECT_EQ(p.Read("param.tmp"), intended);
+                EXPECT_EQ(p.List(), reference.List());
+                if (HasFailure()) return;
+            }
+        }
+    }
 }
 
 int ChildMain(int argc, char** argv) {
