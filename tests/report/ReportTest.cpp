@@ -12,6 +12,7 @@
 #include "report/ParameterReport.h"
 #include "report/WorkbookTemplate.h"
 #include "report/XlsxExport.h"
+#include "print/PrintRules.h"
 #include "store/ParameterFiles.h"
 #include "store/RuntimeError.h"
 #include "support/core/TestSupport.h"
@@ -32,7 +33,7 @@ TEST(WorkbookTemplate, KindAndSheetsOrNothing) {
         {"MORNET(II) combination.xls", "N MORNET(II) combination mode|TEMP|"},
         {"MORNET10.xls", "N Network Setting|TEMP|"}};
     for (const auto& [name, expected] : cases) {
-        const auto bytes = name.ends_with(".xls") ? ReadWholeFile(GetAppPath() + name)
+        const auto bytes = name.ends_with(".xls") ? ReadWholeFile(GetTemplatePath() + name)
                                                   : std::vector<uint8_t>(name.begin(), name.end());
         const auto parsed = ParseWorkbookTemplate(std::string(bytes.begin(), bytes.end()));
         std::string got = parsed ? (parsed->kind == WorkbookKind::Network ? "N " : "P ") : "";

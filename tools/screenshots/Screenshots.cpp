@@ -29,6 +29,7 @@
 #include "headless/Headless.h"
 #include "menus/frmMenu.h"
 #include "platform/excel/Excel.h"
+#include "print/PrintRules.h"
 #include "report/ParameterReport.h"
 #include "store/ParameterFiles.h"
 #include "support/core/TestSupport.h"
@@ -57,7 +58,7 @@ void OpenWorkbook(gantrix::excel::Application& application, const gantrix::test:
                   const std::string& file,
                   const std::vector<std::tuple<int, int, std::string>>& cells) {
     const std::string path = project.File("dsample" + file);
-    gantrix::CopyFileAtomically(gantrix::GetAppPath() + file, path);
+    gantrix::CopyFileAtomically(gantrix::GetTemplatePath() + file, path);
     gantrix::excel::Workbook* book = application.Open(path);
     if (book == nullptr) return;
     book->Activate();
