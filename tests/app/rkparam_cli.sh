@@ -110,7 +110,10 @@ expect_status 2 "set on a project in use" "$rkparam" set "$work/h2" assist.watch
 grep -q 'in use' "$work/err" || fail "the lock is named: $(cat "$work/err")"
 wait
 
-expect_status 2 "no arguments" "$rkparam"
+# No arguments: the start window, which stays until it is closed; without a display, a usage error.
+XDG_CONFIG_HOME="$work/config" expect_status 124 "no arguments: the start window" timeout 3 "$rkparam"
+expect_status 2 "no arguments, no display" env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$rkparam"
+grep -q 'no display' "$work/err" || fail "no display is named: $(cat "$work/err")"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"
 
 echo "$failures failure(s)"

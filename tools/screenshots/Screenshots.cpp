@@ -7,16 +7,19 @@
 // single character is typed into the focused control; "click:OBJECT" clicks the button of
 // that object name (which may open a nested dialog). Then the active window is saved as
 // OUTDIR/NAME-CPU[-steps].png (or, after a click into a nested dialog, under that
-// dialog's name) and every window is closed.
+// dialog's name) and every window is closed. NAME "spreadsheet" shoots the workbook windows,
+// "start" the start window (OUTDIR/frmStart.png).
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QKeySequence>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <tuple>
@@ -31,7 +34,9 @@
 #include "platform/excel/Excel.h"
 #include "print/PrintRules.h"
 #include "report/ParameterReport.h"
+#include "start/frmStart.h"
 #include "store/ParameterFiles.h"
+#include "store/Project.h"
 #include "support/core/TestSupport.h"
 
 namespace {
@@ -121,6 +126,30 @@ int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
     return saved ? 0 : 1;
 }
 
+// The start window listing three projects in /tmp/plc, on settings of its own.
+int StartShot(const QString& outDir, const std::string& cpu) {
+    using namespace gantrix;
+    test::TempDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QString::fromStdString(settings.Path()));
+    RecentProjects recent;
+    for (const auto& [name, type] : {std::pair<std::string, std::string>{"conveyor", "A1 "},
+                                     {"press", "A2C"},
+                                     {"line1", cpu}}) {
+        const std::string folder = "/tmp/plc/" + name;
+        if (!std::filesystem::exists(folder + "/param.tmp")) CreateProject(type, folder, false);
+        recent.Add(folder, type);
+    }
+    SaveRecentProjects(recent);
+    frmStart window(StartHost{});
+    window.show();
+    QTest::qWait(400);
+    const QString file = outDir + "/frmStart.png";
+    const bool saved = window.grab().save(file);
+    std::cout << (saved ? "" : "could not save ") << file.toStdString() << "\n";
+    return saved ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -137,6 +166,7 @@ int main(int argc, char** argv) {
     QStringList keys;
     for (int i = 4; i < argc; ++i) keys << argv[i];
     if (name == "spreadsheet") return SpreadsheetShots(outDir, cpu);
+    if (name == "start") return StartShot(outDir, cpu);
 
     gantrix::test::TempDir dir;
     gantrix::ModuleState state = gantrix::test::StateFor(cpu, dir.Path());
