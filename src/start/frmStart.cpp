@@ -194,6 +194,8 @@ void frmStart::ShowList() {
     RecentList->setVisible(!empty);
     EmptyNote->setVisible(empty);
     if (!empty) RecentList->setCurrentItem(RecentList->topLevelItem(0));
+    if (Status->text().isEmpty() && !empty)
+        Status->setText("Enter opens the selected project, Delete takes it off the list.");
     Remove->setEnabled(!empty);
     (empty ? static_cast<QWidget*>(OpenFolder) : RecentList)->setFocus();
 }

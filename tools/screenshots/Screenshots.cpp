@@ -8,13 +8,14 @@
 // that object name (which may open a nested dialog). Then the active window is saved as
 // OUTDIR/NAME-CPU[-steps].png (or, after a click into a nested dialog, under that
 // dialog's name) and every window is closed. NAME "spreadsheet" shoots the workbook windows,
-// "start" the start window (OUTDIR/frmStart.png).
+// "start" the start window and its new project dialog (OUTDIR/frmStart.png, frmNewProject.png).
 
 #include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QKeySequence>
+#include <QPushButton>
 #include <QSettings>
 #include <QTest>
 #include <QTimer>
@@ -144,9 +145,19 @@ int StartShot(const QString& outDir, const std::string& cpu) {
     frmStart window(StartHost{});
     window.show();
     QTest::qWait(400);
-    const QString file = outDir + "/frmStart.png";
-    const bool saved = window.grab().save(file);
-    std::cout << (saved ? "" : "could not save ") << file.toStdString() << "\n";
+    bool saved = true;
+    const auto save = [&](QWidget* widget, const QString& name) {
+        const QString file = outDir + "/" + name + ".png";
+        saved = widget != nullptr && widget->grab().save(file) && saved;
+        std::cout << file.toStdString() << "\n";
+    };
+    save(&window, "frmStart");
+    QTimer::singleShot(400, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        save(dialog, "frmNewProject");
+        if (dialog != nullptr) dialog->close();
+    });
+    window.NewProject->click();
     return saved ? 0 : 1;
 }
 
