@@ -17,9 +17,7 @@ namespace {
 using test::PressKey;
 using Strings = std::vector<std::string>;
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
+const auto Q = &QString::fromStdString;
 
 // Alt and the underlined letter of a button, which clicks it once seen pressed.
 void PressButtonKey(QWidget* window, Qt::Key key) {
@@ -60,10 +58,12 @@ struct Start {
         window->activateWindow();
         EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-    std::string Project(const std::string& name, const std::string& note) {
-        CreateProject("A3 ", plc.File(name), false);
-        if (!note.empty()) notes[plc.File(name)] = note;
-        return plc.File(name);
+    // Answers the next start window message with Enter, keeping its text.
+    void ReadMessage(test::ModalDriver& driver, std::string& text) {
+        driver.On("StartMessage", [&text](QWidget* box) {
+            text = static_cast<QMessageBox*>(box)->text().toStdString();
+            PressKey(box, Qt::Key_Return);
+        });
     }
     Strings Rows() const {
         Strings rows;
@@ -80,7 +80,8 @@ struct Start {
 // again, the host's refusal shows and the dialog stays; Delete takes an entry off the list.
 TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
     Start s;
-    SaveRecentProjects(RecentProjects({{s.Project("old", "A3 "), "A3 "}}));
+    CreateProject("A3 ", s.plc.File("old"), false);
+    SaveRecentProjects(RecentProjects({{s.plc.File("old"), "A3 "}}));
     s.Show();
     const std::string made = s.plc.File("line/1");
     for (const bool again : {false, true}) {
@@ -99,10 +100,7 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
             PressKey(QApplication::focusWidget(), Qt::Key_Return);
         });
         if (again) {
-            driver.On("StartMessage", [&](QWidget* box) {
-                refusal = static_cast<QMessageBox*>(box)->text().toStdString();
-                PressKey(box, Qt::Key_Return);
-            });
+            s.ReadMessage(driver, refusal);
             driver.On("frmNewProject", [](QWidget* dialog) { PressKey(dialog, Qt::Key_Escape); });
         }
         driver.Run([&] { PressButtonKey(s.window.get(), Qt::Key_N); });
@@ -119,71 +117,50 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
 }
 
 // A folder chosen, dropped or picked from the list: one without "param.tmp" is refused by name
-// and not listed; a project runs on its note, else on the CPU type listed or chosen.
+// and not listed; a project noting no CPU type runs on the one chosen, or listed for it.
 TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
-    const struct {
-        const char* how;
-        const char* folder;
-        const char* note;
-        const char* chosen;  // in the CPU type chooser, "" when none is asked
-        const char* run;     // the CPU type the run is given ("" its note; none for "empty")
-    } cases[] = {
-        {"chooser", "empty", "", "", ""},    {"drop", "empty", "", "", ""},
-        {"chooser", "noted", "A2C", "", ""}, {"drop", "unnoted", "", "A0J", "A0J"},
-        {"list", "unnoted", "", "", "A4U"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(std::string(c.how) + " " + c.folder);
+    // how the folder opens, whether it is a project, the CPU type chosen or listed
+    const std::tuple<std::string, bool, std::string> cases[] = {
+        {"chooser", false, ""}, {"drop", true, "A0J"}, {"list", true, "A4U"}};
+    for (const auto& [how, project, cpu] : cases) {
+        SCOPED_TRACE(how);
         Start s;
-        const std::string folder = s.plc.File(c.folder);
-        if (std::string(c.folder) == "empty") {
-            std::filesystem::create_directory(folder);
-        } else {
-            s.Project(c.folder, c.note);
-        }
-        if (std::string(c.how) == "list") SaveRecentProjects(RecentProjects({{folder, c.run}}));
+        const std::string folder = s.plc.File("line");
+        std::filesystem::create_directory(folder);
+        if (project) CreateProject("A3 ", folder, false);  // noting no CPU type
+        if (how == "list") SaveRecentProjects(RecentProjects({{folder, cpu}}));
         s.Show();
         std::string refusal;
         test::ModalDriver driver;
-        if (std::string(c.how) == "chooser") {
+        if (how == "chooser") {
             driver.On("FolderChooser", [&](QWidget* chooser) {
                 test::TypeKeys(chooser->findChild<QLineEdit*>("fileNameEdit"), Q(folder));
                 PressKey(QApplication::focusWidget(), Qt::Key_Return);
             });
-        }
-        if (*c.chosen) {
+        } else if (how == "drop") {
             driver.On("CpuTypeChooser", [&](QWidget* ask) {
-                test::TypeKeys(QApplication::focusWidget(), c.chosen);
+                test::TypeKeys(QApplication::focusWidget(), Q(cpu));
                 PressKey(ask, Qt::Key_Return);
             });
         }
-        if (std::string(c.folder) == "empty") {
-            driver.On("StartMessage", [&](QWidget* box) {
-                refusal = static_cast<QMessageBox*>(box)->text().toStdString();
-                PressKey(box, Qt::Key_Return);
-            });
-        }
+        if (!project) s.ReadMessage(driver, refusal);
         driver.Run([&] {
-            if (std::string(c.how) == "chooser") {
-                PressButtonKey(s.window.get(), Qt::Key_O);
-            } else if (std::string(c.how) == "list") {
-                PressKey(s.window->RecentList, Qt::Key_Return);
-            } else {
-                QMimeData data;
-                data.setUrls({QUrl::fromLocalFile(Q(folder))});
-                QDragEnterEvent enter(QPoint(9, 9), Qt::CopyAction, &data, Qt::LeftButton, {});
-                QDropEvent drop(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, {});
-                QApplication::sendEvent(s.window.get(), &enter);
-                QApplication::sendEvent(s.window.get(), &drop);
-                QTest::qWait(50);
-            }
+            if (how == "chooser") return PressButtonKey(s.window.get(), Qt::Key_O);
+            if (how == "list") return PressKey(s.window->RecentList, Qt::Key_Return);
+            QMimeData data;
+            data.setUrls({QUrl::fromLocalFile(Q(folder))});
+            QDragEnterEvent enter(QPoint(9, 9), Qt::CopyAction, &data, Qt::LeftButton, {});
+            QDropEvent drop(QPointF(9, 9), Qt::CopyAction, &data, Qt::LeftButton, {});
+            QApplication::sendEvent(s.window.get(), &enter);
+            QApplication::sendEvent(s.window.get(), &drop);
+            QTest::qWait(50);
         });
-        const bool ran = std::string(c.folder) != "empty";
-        EXPECT_EQ(s.runs, ran ? Strings{folder + " " + c.run} : Strings{});
-        EXPECT_EQ(refusal.find("\"" + folder + "\" holds no \"param.tmp\"") != std::string::npos,
-                  !ran)
+        const Strings listed = project ? Strings{folder + " " + cpu} : Strings{};
+        EXPECT_EQ(s.runs, listed);
+        EXPECT_EQ(s.Rows(), listed);
+        EXPECT_EQ(refusal.find('"' + folder + "\" holds no \"param.tmp\"") != std::string::npos,
+                  !project)
             << refusal;
-        EXPECT_EQ(s.Rows(), ran ? Strings{folder + " " + (*c.note ? c.note : c.run)} : Strings{});
     }
 }
 
