@@ -31,6 +31,7 @@ struct Start {
     test::TempDir settings, plc;
     std::map<std::string, std::string> notes;  // folder -> the CPU type it notes
     Strings runs;                              // "folder cpu", cpu "" for the note
+    HostOutcome ran{1, ""};                    // how each run ends
     StartHost host;
     std::unique_ptr<frmStart> window;
 
@@ -49,7 +50,7 @@ struct Start {
         host.run = [this](const std::string& dir, const std::string& cpu) {
             runs.push_back(dir + " " + cpu);
             EXPECT_FALSE(window->isVisible()) << "the window stays while the run shows its own";
-            return HostOutcome{1, ""};
+            return ran;
         };
     }
     void Show() {
@@ -101,7 +102,11 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
         });
         if (again) {
             s.ReadMessage(driver, refusal);
-            driver.On("frmNewProject", [](QWidget* dialog) { PressKey(dialog, Qt::Key_Escape); });
+            driver.On("frmNewProject", [](QWidget* dialog) {
+                EXPECT_EQ(dialog->focusWidget(), test::Child(dialog, "Folder"));
+                EXPECT_EQ(test::LayoutFaults(dialog), Strings{});
+                PressKey(dialog, Qt::Key_Escape);
+            });
         }
         driver.Run([&] { PressButtonKey(s.window.get(), Qt::Key_N); });
         EXPECT_EQ(s.runs, Strings{made + " "});
@@ -109,6 +114,7 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
         EXPECT_EQ(refusal.find("param.tmp") != std::string::npos, again) << refusal;
     }
     EXPECT_TRUE(s.window->isVisible());
+    EXPECT_EQ(test::LayoutFaults(s.window.get()), Strings{});
     s.Show();
     EXPECT_EQ(s.Rows(), (Strings{made + " A3U", s.plc.File("old") + " A3"}));
     PressKey(s.window->RecentList, Qt::Key_Delete);
@@ -117,14 +123,19 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
 }
 
 // A folder chosen, dropped or picked from the list: one without "param.tmp" is refused by name
-// and not listed; a project noting no CPU type runs on the one chosen, or listed for it.
+// and not listed; a project noting no CPU type runs on the one chosen, or listed for it. A run
+// that fails shows its message.
 TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
-    // how the folder opens, whether it is a project, the CPU type chosen or listed
-    const std::tuple<std::string, bool, std::string> cases[] = {
-        {"chooser", false, ""}, {"drop", true, "A0J"}, {"list", true, "A4U"}};
-    for (const auto& [how, project, cpu] : cases) {
+    // how the folder opens, whether it is a project, the CPU type chosen or listed, the run's
+    // status and the line the window shows then
+    const std::tuple<std::string, bool, std::string, int, std::string> cases[] = {
+        {"chooser", false, "", 0, ""},
+        {"drop", true, "A0J", 1, "Left without saving: "},
+        {"list", true, "A4U", 2, "Not opened: "}};
+    for (const auto& [how, project, cpu, status, shown] : cases) {
         SCOPED_TRACE(how);
         Start s;
+        s.ran = {status, status == 2 ? "damaged" : ""};
         const std::string folder = s.plc.File("line");
         std::filesystem::create_directory(folder);
         if (project) CreateProject("A3 ", folder, false);  // noting no CPU type
@@ -143,7 +154,7 @@ TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
                 PressKey(ask, Qt::Key_Return);
             });
         }
-        if (!project) s.ReadMessage(driver, refusal);
+        if (!project || status == 2) s.ReadMessage(driver, refusal);
         driver.Run([&] {
             if (how == "chooser") return PressButtonKey(s.window.get(), Qt::Key_O);
             if (how == "list") return PressKey(s.window->RecentList, Qt::Key_Return);
@@ -161,6 +172,8 @@ TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
         EXPECT_EQ(refusal.find('"' + folder + "\" holds no \"param.tmp\"") != std::string::npos,
                   !project)
             << refusal;
+        EXPECT_EQ(refusal == "damaged", status == 2);
+        EXPECT_EQ(s.window->Status->text().toStdString(), project ? shown + folder : "");
     }
 }
 
