@@ -7,11 +7,11 @@
 #include <sstream>
 #include <tuple>
 
+#include "print/PrintRules.h"
 #include "report/NetworkBytes.h"
 #include "spreadsheet/NetworkWindow.h"
 #include "spreadsheet/ReportWindow.h"
 #include "spreadsheet/SpreadsheetApplication.h"
-#include "print/PrintRules.h"
 #include "store/ParameterFiles.h"
 #include "support/ParameterModeRun.h"
 
