@@ -3,6 +3,7 @@
 // Without a display, its subcommands show, check, set, diff, export and import work on the
 // parameters through the dialogs' pure halves (HeadlessCommands.h).
 //
+//   rkparam                                        (the start window)
 //   rkparam new --cpu CODE [--force] DIR
 //   rkparam [--cpu CODE] [--sub-editing N]... [--content-changed] [-v] DIR
 //   rkparam show|check|set|diff|export|import ...   (rkparam SUBCOMMAND --help)
@@ -16,13 +17,17 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <iostream>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "HeadlessCommands.h"
 #include "ProjectFiles.h"
 #include "entry/GantrixA0J.h"
+#include "start/frmStart.h"
+#include "store/ParameterFiles.h"
 #include "store/Project.h"
 #include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
@@ -40,7 +45,8 @@ using rkparam::WithSeparator;
 constexpr intptr_t kHostWindow = 0x4E57;
 
 const char* const kUsage =
-    "usage: rkparam new --cpu CODE [--force] DIR\n"
+    "usage: rkparam                  (the start window: recent projects, open, new)\n"
+    "       rkparam new --cpu CODE [--force] DIR\n"
     "       rkparam [--cpu CODE] [--sub-editing N]... [--content-changed] [-v] DIR\n"
     "       rkparam show|check|set|diff|export|import ... (see rkparam --help)\n"
     "CODE is one of A0J A0H A1S A1 A2C A2 A3 A3H A2A A3A A2U A3U A4U.\n";
@@ -168,6 +174,59 @@ int Run(const RunOptions& options) {
     return status;
 }
 
+// Runs a command for the start window: what it prints still reaches the terminal, and its
+// errors, without the program's name, are the window's message.
+gantrix::HostOutcome Captured(const std::function<int()>& command) {
+    std::ostringstream errors;
+    std::streambuf* const terminal = std::cerr.rdbuf(errors.rdbuf());
+    gantrix::HostOutcome outcome;
+    try {
+        outcome.status = command();
+    } catch (...) {
+        std::cerr.rdbuf(terminal);
+        throw;
+    }
+    std::cerr.rdbuf(terminal);
+    std::cerr << errors.str();
+    std::istringstream lines(errors.str());
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("rkparam: ")) line.erase(0, 9);
+        outcome.message += (outcome.message.empty() ? "" : "\n") + line;
+    }
+    return outcome;
+}
+
+bool IsSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value != nullptr && *value != '\0';
+}
+
+// Without a project: the start window, whose new and open are the commands above.
+int StartWindow() {
+    // Without a display the toolkit would abort; say what to do instead.
+    if (!IsSet("DISPLAY") && !IsSet("WAYLAND_DISPLAY") && !IsSet("QT_QPA_PLATFORM")) {
+        return Usage("no project directory given, and no display for the start window");
+    }
+    gantrix::StartHost host;
+    host.create = [](const std::string& cpu, const std::string& dir) {
+        return Captured([&] { return New(cpu, dir, false); });
+    };
+    host.cpuNote = [](const std::string& dir) {
+        try {
+            return ReadCpuNote(dir);
+        } catch (const gantrix::RuntimeError&) {
+            return std::string();  // the run names the note it cannot read
+        }
+    };
+    host.run = [](const std::string& dir, const std::string& cpu) {
+        RunOptions options;
+        options.cpu = cpu;
+        options.dir = dir;
+        return Captured([&] { return Run(options); });
+    };
+    return gantrix::RunStartWindow(host);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -185,7 +244,7 @@ int main(int argc, char** argv) {
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_flag("--content-changed", run.contentChanged, "the host's change flag is set");
     app.add_flag("-v", run.verbose, "print the notifications the host window receives");
-    app.add_option("DIR", run.dir, "project directory of the run");
+    app.add_option("DIR", run.dir, "project directory of the run; none: the start window");
 
     std::string newCpu;
     std::string newDir;
@@ -212,6 +271,6 @@ int main(int argc, char** argv) {
     if (make->parsed()) return New(newCpu, newDir, force);
     const int status = headless();
     if (status >= 0) return status;
-    if (run.dir.empty()) return Usage("no project directory given");
+    if (run.dir.empty()) return argc == 1 ? StartWindow() : Usage("no project directory given");
     return Run(run);
 }

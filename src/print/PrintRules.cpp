@@ -1,5 +1,6 @@
 #include "print/PrintRules.h"
 
+#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <utility>
@@ -98,7 +99,7 @@ void ShowApplication(ModuleState& state) {
     Ignore([&] { application.SetVisible(true); });
 }
 
-void Run(ModuleState& state, const HandOver& h, const std::string& appPath) {
+void Run(ModuleState& state, const HandOver& h, const std::string& templatePath) {
     // A second call while the workbook is open only brings it to the front: its cells, the
     // working files and the macro are not renewed.
     Attach(state);
@@ -124,7 +125,7 @@ void Run(ModuleState& state, const HandOver& h, const std::string& appPath) {
     Ignore(h.writeWorkingFiles);
     Ignore([&] {
         if (Dir(dir + h.bookName) != h.bookName) {
-            CopyFileAtomically(appPath + h.templateFile, dir + h.bookName);
+            CopyFileAtomically(templatePath + h.templateFile, dir + h.bookName);
         }
     });
     h.markActive();
@@ -142,6 +143,20 @@ void Run(ModuleState& state, const HandOver& h, const std::string& appPath) {
 }
 
 }  // namespace
+
+const char* const kTemplatesFromLibrary = GANTRIX_TEMPLATES_FROM_LIBRARY;
+
+std::string GetTemplatePath(const std::string& appPath) {
+    const std::string installed =
+        std::filesystem::path(appPath + kTemplatesFromLibrary).lexically_normal().string() + "/";
+    const std::string buildTree = appPath + "share/gantrixa0j/templates/";
+    std::error_code error;
+    if (!std::filesystem::is_directory(installed, error) &&
+        std::filesystem::is_directory(buildTree, error)) {
+        return buildTree;
+    }
+    return installed;
+}
 
 std::string MakeBookName(const std::string& projectDir, const std::string& file) {
     const size_t size = projectDir.size();
@@ -175,7 +190,8 @@ bool SetSheetCell(ModuleState& state, const std::string& bookName, const std::st
     return true;
 }
 
-void PrintNetworkSettings(ModuleState& state, int index, const std::string& appPath) {
+void PrintNetworkSettings(ModuleState& state, int index, const std::string& appPath,
+                          const std::string& templatePath) {
     static constexpr struct {
         const char* templateFile;  // nullptr: the string table's name
         int templateId;
@@ -206,10 +222,11 @@ void PrintNetworkSettings(ModuleState& state, int index, const std::string& appP
                    {"B30", state.ProjectDir},
                    {"B31", state.CpuType},
                    {"B32", std::to_string(index)}};
-    Run(state, h, appPath);
+    Run(state, h, templatePath);
 }
 
-void PrintParameterSettings(ModuleState& state, const std::string& appPath) {
+void PrintParameterSettings(ModuleState& state, const std::string& appPath,
+                            const std::string& templatePath) {
     HandOver h;
     h.templateFile = LoadResString(ids::ParameterModeBook);
     h.sheetName = LoadResString(ids::CapacityLatchRangeSheet);
@@ -223,7 +240,7 @@ void PrintParameterSettings(ModuleState& state, const std::string& appPath) {
                    {"A3", state.ProjectDir + "param.$$p"},
                    {"A4", state.ProjectDir + "temp.dat"},
                    {"A10", appPath}};
-    Run(state, h, appPath);
+    Run(state, h, templatePath);
 }
 
 }  // namespace gantrix

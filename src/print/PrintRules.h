@@ -39,12 +39,26 @@ std::string MakeBookName(const std::string& projectDir, const std::string& file)
 bool SetSheetCell(ModuleState& state, const std::string& bookName, const std::string& sheetName,
                   const std::string& column, int row, const std::string& value);
 
+// The path from the directory of the installed library to the installed workbook templates
+// ("../share/gantrixa0j/templates", one more "../" below a multiarch library directory).
+extern const char* const kTemplatesFromLibrary;
+
+// The directory the workbook templates are copied from, ending in "/", found from appPath,
+// the component's own directory: appPath + kTemplatesFromLibrary where the component is
+// installed (any prefix), else "share/gantrixa0j/templates/" beside it, where the build tree
+// keeps them beside the library and the programs. When neither exists, the installed place,
+// so that a missing template is looked for where it belongs.
+std::string GetTemplatePath(const std::string& appPath = GetAppPath());
+
 // The network workbook of mode index 0..3: 0 MORNET mode, 1 MORNET II combination mode,
 // 2 MORNET II mode, 3 the network workbook of the U CPUs. Other indexes do nothing.
-// appPath is the component's directory, where the templates are, ending in "/".
-void PrintNetworkSettings(ModuleState& state, int index, const std::string& appPath = GetAppPath());
+// appPath is the component's directory, which the workbook's "TEMP" sheet names; the
+// template is copied from templatePath. Both end in "/".
+void PrintNetworkSettings(ModuleState& state, int index, const std::string& appPath = GetAppPath(),
+                          const std::string& templatePath = GetTemplatePath());
 
 // The parameter workbook; the parameters go to it through "param.$$p".
-void PrintParameterSettings(ModuleState& state, const std::string& appPath = GetAppPath());
+void PrintParameterSettings(ModuleState& state, const std::string& appPath = GetAppPath(),
+                            const std::string& templatePath = GetTemplatePath());
 
 }  // namespace gantrix

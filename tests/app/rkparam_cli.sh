@@ -226,7 +226,10 @@ bad=$(printf "$work/bad\xff")
 expect_status 0 "show --json of a path that is not UTF-8" "$rkparam" show --json "$bad"
 grep -q '"file": ".*bad\\\\xFF/param.tmp"' "$work/out" || fail "the path is escaped: $(head -3 "$work/out")"
 
-expect_status 2 "no arguments" "$rkparam"
+# No arguments: the start window, which stays until it is closed; without a display, a usage error.
+XDG_CONFIG_HOME="$work/config" expect_status 124 "no arguments: the start window" timeout 3 "$rkparam"
+expect_status 2 "no arguments, no display" env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$rkparam"
+grep -q 'no display' "$work/err" || fail "no display is named: $(cat "$work/err")"
 expect_status 2 "unknown option" "$rkparam" --bogus "$work/a/b/proj"
 
 echo "$failures failure(s)"

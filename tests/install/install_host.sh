@@ -30,12 +30,17 @@ for f in include/GantrixA0J.h bin/rkparam share/man/man1/rkparam.1.gz \
     [ -f "$prefix/$f" ] || fail "$f not installed"
 done
 [ -f "$libdir/cmake/GantrixA0J/GantrixA0JConfig.cmake" ] || fail "no CMake package config"
-# The workbook templates sit where GetAppPath looks: beside the loaded library.
-if [ -d "$source/data/templates" ]; then
-    for t in "$source"/data/templates/*; do
-        [ -f "$libdir/$(basename "$t")" ] || fail "template $(basename "$t") not beside the library"
-    done
-fi
+# The workbook templates are data of the prefix, where the library's own relative path to
+# them leads, and not beside the library.
+templates=$prefix/share/gantrixa0j/templates
+relative=$(strings "$lib" | grep -x '[./]*/share/gantrixa0j/templates' || true)
+[ -n "$relative" ] || fail "the library names no path to its templates"
+[ "$(realpath -m "$libdir/$relative")" = "$(realpath "$templates")" ] ||
+    fail "the library looks for its templates in $libdir/$relative, not $templates"
+for t in "$source"/data/templates/*; do
+    [ -f "$templates/$(basename "$t")" ] || fail "template $(basename "$t") not in $templates"
+    [ ! -e "$libdir/$(basename "$t")" ] || fail "template $(basename "$t") beside the library"
+done
 
 # The installed rkparam runs from its prefix and makes a project.
 export LD_LIBRARY_PATH=$libdir${LD_LIBRARY_PATH:+:$LD_LIBRARY_PATH}

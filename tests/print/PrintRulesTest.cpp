@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "print/RecordingExcel.h"
 
 namespace gantrix {
@@ -21,11 +23,26 @@ TEST(MakeBookName, FirstLetterThenTheFourthAndFifthLevels) {
     for (const auto& [dir, name] : cases) EXPECT_EQ(MakeBookName(dir, "MORNET.xls"), name) << dir;
 }
 
+// The templates of an installed component, found from its directory, win over those of a
+// build tree; where neither is, the installed place is named.
+TEST(GetTemplatePath, TheInstalledOnesThenTheBuildTreesElseWhereTheyBelong) {
+    for (const std::string present : {"installed build", "installed", "build", ""}) {
+        test::TempDir root;
+        const std::string app = root.Path() + "x/y/z/";
+        const std::filesystem::path relative = app + kTemplatesFromLibrary;
+        const std::string installed = relative.lexically_normal().string() + "/";
+        const std::string buildTree = app + "share/gantrixa0j/templates/";
+        if (present.starts_with("installed")) std::filesystem::create_directories(installed);
+        if (present.ends_with("build")) std::filesystem::create_directories(buildTree);
+        EXPECT_EQ(GetTemplatePath(app), present == "build" ? buildTree : installed) << present;
+    }
+}
+
 // An "A3U" project with its working file, stand-in templates, and the recording spreadsheet.
 struct HandOver {
     test::TempProject project{"A3U"};
-    test::TempDir templates;
-    std::string dir = project.Path(), app = templates.Path();
+    test::TempDir component, templates;
+    std::string dir = project.Path(), app = component.Path(), from = templates.Path();
     ModuleState state = test::StateFor("A3U", dir);
     test::RecordingExcel excel;
     test::LoggingMessages messages{excel.log};
@@ -47,7 +64,7 @@ TEST(PrintNetworkSettings, AsksStartsWritesTheWorkingFileCopiesFillsTempAndRunsT
     f.project.Write(kParamWork, {work.bytes().begin(), work.bytes().end()});
     f.state.image[100] = 0x43;  // the run's own edit
     const std::string book = MakeBookName(f.dir, "MORNET10.xls");
-    PrintNetworkSettings(f.state, 3, f.app);
+    PrintNetworkSettings(f.state, 3, f.app, f.from);
     EXPECT_EQ(f.excel.log.entries,
               (Entries{"GetObject", "message 24", "GetObject", "Create", "Open " + f.dir + book,
                        "Activate " + book, "Cell TEMP!A29 NetParam", "Cell TEMP!B29 " + f.app,
@@ -65,7 +82,7 @@ TEST(PrintNetworkSettings, AsksStartsWritesTheWorkingFileCopiesFillsTempAndRunsT
 TEST(PrintParameterSettings, HandsTheImageOverInParamPAndFillsTemp) {
     HandOver f(true);  // the application runs already
     const std::string book = MakeBookName(f.dir, "Parameter mode.xls");
-    PrintParameterSettings(f.state, f.app);
+    PrintParameterSettings(f.state, f.app, f.from);
     EXPECT_EQ(f.excel.log.entries,
               (Entries{"GetObject", "message 24", "GetObject", "Open " + f.dir + book,
                        "Activate " + book, "Cell TEMP!A1 Param", "Cell TEMP!A2 A3U",
@@ -88,14 +105,14 @@ TEST(PrintNetworkSettings, NothingNewHandedOver) {
         SCOPED_TRACE(name);
         const bool open = name == "open";
         HandOver f(false, name != "none");
-        if (open) PrintNetworkSettings(f.state, 0, f.app);
+        if (open) PrintNetworkSettings(f.state, 0, f.app, f.from);
         if (name == "no") f.messages.Then(MessageButton::No);
         const auto files = f.project.List();
         const auto working = f.project.Read(kParamWork);
         f.state.image[1600] ^= 0xFF;
         f.excel.app->windowState = excel::kWindowMinimized;
         f.excel.log.entries.clear();
-        PrintNetworkSettings(f.state, 0, f.app);
+        PrintNetworkSettings(f.state, 0, f.app, f.from);
         Entries log = expected;
         if (open) log[1] += " " + MakeBookName(f.dir, "MORNET.xls");
         EXPECT_EQ(f.excel.log.entries, log);
@@ -109,7 +126,7 @@ TEST(PrintNetworkSettings, NothingNewHandedOver) {
 TEST(PrintNetworkSettings, EachFailingStepIsSkippedAndTheNextOneRuns) {
     HandOver f;
     f.excel.log.failing = {"Activate", "Cell TEMP!A29", "Run"};
-    PrintNetworkSettings(f.state, 0, f.app);
+    PrintNetworkSettings(f.state, 0, f.app, f.from);
     const Entries& log = f.excel.log.entries;
     ASSERT_EQ(log.size(), 13u);
     EXPECT_EQ(log[10], "Cell TEMP!B32 0");
@@ -117,7 +134,7 @@ TEST(PrintNetworkSettings, EachFailingStepIsSkippedAndTheNextOneRuns) {
     // No template and no working file: the working file is written, the application shown.
     HandOver g;
     std::remove(g.project.File(kParamWork).c_str());
-    PrintNetworkSettings(g.state, 0, g.dir + "none/");
+    PrintNetworkSettings(g.state, 0, g.app, g.dir + "none/");
     EXPECT_EQ(g.project.Read(kParamWork), g.Image());
     EXPECT_FALSE(g.project.Exists(MakeBookName(g.dir, "MORNET.xls")));
     EXPECT_EQ(g.excel.log.entries.back(), "Visible 1");

@@ -8,6 +8,7 @@
 #include "dialogs/frmLatch/LatchFields.h"
 #include "dialogs/frmMINI/MINIFields.h"
 #include "dialogs/frmMemory/MemoryFields.h"
+#include "print/PrintRules.h"
 #include "report/NetworkBytes.h"
 #include "report/ParameterReport.h"
 #include "report/WorkbookTemplate.h"
@@ -32,7 +33,7 @@ TEST(WorkbookTemplate, KindAndSheetsOrNothing) {
         {"MORNET(II) combination.xls", "N MORNET(II) combination mode|TEMP|"},
         {"MORNET10.xls", "N Network Setting|TEMP|"}};
     for (const auto& [name, expected] : cases) {
-        const auto bytes = name.ends_with(".xls") ? ReadWholeFile(GetAppPath() + name)
+        const auto bytes = name.ends_with(".xls") ? ReadWholeFile(GetTemplatePath() + name)
                                                   : std::vector<uint8_t>(name.begin(), name.end());
         const auto parsed = ParseWorkbookTemplate(std::string(bytes.begin(), bytes.end()));
         std::string got = parsed ? (parsed->kind == WorkbookKind::Network ? "N " : "P ") : "";

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <tuple>
 
+#include "print/PrintRules.h"
 #include "report/NetworkBytes.h"
 #include "spreadsheet/NetworkWindow.h"
 #include "spreadsheet/ReportWindow.h"
@@ -31,7 +32,7 @@ std::shared_ptr<excel::Application> StartApplication() {
 SpreadsheetWorkbook* OpenAsPrinting(excel::Application& application, const test::TempDir& project,
                                     const std::string& file, const Cells& cells) {
     const std::string path = project.File("dproject" + file);
-    CopyFileAtomically(GetAppPath() + file, path);
+    CopyFileAtomically(GetTemplatePath() + file, path);
     excel::Workbook* book = application.Open(path);
     if (book == nullptr) return nullptr;
     book->Activate();

@@ -7,7 +7,8 @@
 // single character is typed into the focused control; "click:OBJECT" clicks the button of
 // that object name (which may open a nested dialog). Then the active window is saved as
 // OUTDIR/NAME-CPU[-steps].png (or, after a click into a nested dialog, under that
-// dialog's name) and every window is closed.
+// dialog's name) and every window is closed. NAME "spreadsheet" shoots the workbook windows,
+// "start" the start window and its new project dialog (OUTDIR/frmStart.png, frmNewProject.png).
 
 #include <QAbstractButton>
 #include <QAction>
@@ -17,9 +18,11 @@
 #include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QPushButton>
+#include <QSettings>
 #include <QTest>
 #include <QTimer>
 #include <cstdio>
+#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <tuple>
@@ -33,10 +36,13 @@
 #include "headless/Headless.h"
 #include "menus/frmMenu.h"
 #include "platform/excel/Excel.h"
+#include "print/PrintRules.h"
 #include "report/ParameterReport.h"
 #include "spreadsheet/ReportWindow.h"
+#include "start/frmStart.h"
 #include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
+#include "store/Project.h"
 #include "support/core/TestSupport.h"
 
 namespace {
@@ -63,7 +69,7 @@ void OpenWorkbook(gantrix::excel::Application& application, const gantrix::test:
                   const std::string& file,
                   const std::vector<std::tuple<int, int, std::string>>& cells) {
     const std::string path = project.File("dsample" + file);
-    gantrix::CopyFileAtomically(gantrix::GetAppPath() + file, path);
+    gantrix::CopyFileAtomically(gantrix::GetTemplatePath() + file, path);
     gantrix::excel::Workbook* book = application.Open(path);
     if (book == nullptr) return;
     book->Activate();
@@ -145,6 +151,40 @@ int SpreadsheetShots(const QString& outDir, const std::string& cpu) {
     return saved ? 0 : 1;
 }
 
+// The start window listing three projects in /tmp/plc, on settings of its own.
+int StartShot(const QString& outDir, const std::string& cpu) {
+    using namespace gantrix;
+    test::TempDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                       QString::fromStdString(settings.Path()));
+    RecentProjects recent;
+    for (const auto& [name, type] : {std::pair<std::string, std::string>{"conveyor", "A1 "},
+                                     {"press", "A2C"},
+                                     {"line1", cpu}}) {
+        const std::string folder = "/tmp/plc/" + name;
+        if (!std::filesystem::exists(folder + "/param.tmp")) CreateProject(type, folder, false);
+        recent.Add(folder, type);
+    }
+    SaveRecentProjects(recent);
+    frmStart window(StartHost{});
+    window.show();
+    QTest::qWait(400);
+    bool saved = true;
+    const auto save = [&](QWidget* widget, const QString& name) {
+        const QString file = outDir + "/" + name + ".png";
+        saved = widget != nullptr && widget->grab().save(file) && saved;
+        std::cout << file.toStdString() << "\n";
+    };
+    save(&window, "frmStart");
+    QTimer::singleShot(400, [&] {
+        QWidget* dialog = QApplication::activeModalWidget();
+        save(dialog, "frmNewProject");
+        if (dialog != nullptr) dialog->close();
+    });
+    window.NewProject->click();
+    return saved ? 0 : 1;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -161,6 +201,7 @@ int main(int argc, char** argv) {
     QStringList keys;
     for (int i = 4; i < argc; ++i) keys << argv[i];
     if (name == "spreadsheet") return SpreadsheetShots(outDir, cpu);
+    if (name == "start") return StartShot(outDir, cpu);
 
     gantrix::test::TempDir dir;
     gantrix::ModuleState state = gantrix::test::StateFor(cpu, dir.Path());
