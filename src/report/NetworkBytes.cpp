@@ -6,6 +6,7 @@
 #include "report/ParameterReport.h"
 #include "store/CheckSum.h"
 #include "store/ParameterFiles.h"
+#include "store/ProjectAccess.h"
 #include "store/RuntimeError.h"
 
 namespace gantrix {
@@ -101,9 +102,9 @@ void ApplyNetworkSave(ParameterImage& file, const std::map<int, uint8_t>& edits,
 
 void WriteNetworkBytes(const std::string& path, const std::map<int, uint8_t>& edits,
                        int modeIndex) {
-    ParameterImage file = ReadParameterFile(path);
+    ParameterImage file = LoadParameterImage(path);
     ApplyNetworkSave(file, edits, modeIndex);
-    WriteFileAtomically(path, {file.bytes().begin(), file.bytes().end()});
+    SaveParameterImage(path, file);
 }
 
 bool NetworkBytesDiffer(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {

@@ -413,16 +413,4 @@ std::vector<Sheet> BuildParameterReport(const ParameterImage& image, const Dialo
     return sheets;
 }
 
-ParameterImage ReadParameterFile(const std::string& path) {
-    const std::vector<uint8_t> bytes = ReadWholeFile(path);
-    if (bytes.size() != static_cast<std::size_t>(kImageSize)) {
-        throw RuntimeError(kErrPathFileAccess,
-                           "\"" + path + "\" holds " + std::to_string(bytes.size()) +
-                               " bytes, not a parameter file of " + std::to_string(kImageSize));
-    }
-    ParameterImage image;
-    std::copy(bytes.begin(), bytes.end(), image.bytes().begin());
-    return image;
-}
-
 }  // namespace gantrix

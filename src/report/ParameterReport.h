@@ -28,8 +28,4 @@ DialogContext ReportContext(const std::string& cpuType, const std::string& proje
 // file runtime error.
 std::vector<Sheet> BuildParameterReport(const ParameterImage& image, const DialogContext& context);
 
-// The parameter file at path (3072 bytes); a missing, unreadable or wrongly sized file raises
-// a RuntimeError naming the file.
-ParameterImage ReadParameterFile(const std::string& path);
-
 }  // namespace gantrix

@@ -18,6 +18,7 @@
 #include "report/ParameterReport.h"
 #include "spreadsheet/SpreadsheetApplication.h"
 #include "store/ParameterFiles.h"
+#include "store/ProjectAccess.h"
 
 namespace gantrix::spreadsheet {
 namespace {
@@ -136,7 +137,7 @@ void NetworkWindow::Load() {
     edits_.clear();
     try {
         if (path_.empty()) throw std::runtime_error("No project directory in TEMP!B30.");
-        const ParameterImage image = ReadParameterFile(path_);
+        const ParameterImage image = LoadParameterImage(path_);
         file_.assign(image.bytes().begin(), image.bytes().end());
         Status->clear();
     } catch (const std::exception& error) {
@@ -153,7 +154,7 @@ bool NetworkWindow::CatchUp(bool ask) {
     if (path_.empty()) return true;
     std::vector<uint8_t> now;
     try {
-        const ParameterImage image = ReadParameterFile(path_);
+        const ParameterImage image = LoadParameterImage(path_);
         now.assign(image.bytes().begin(), image.bytes().end());
     } catch (const std::exception& error) {
         Status->setText(Q(error.what()));  // and Save says so again

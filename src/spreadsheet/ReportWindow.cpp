@@ -23,6 +23,7 @@
 #include "report/ParameterReport.h"
 #include "report/XlsxExport.h"
 #include "spreadsheet/SpreadsheetApplication.h"
+#include "store/ProjectAccess.h"
 
 namespace gantrix::spreadsheet {
 namespace {
@@ -131,7 +132,7 @@ void ReportWindow::AutoOpen() {
     title_ = "Parameter setting data";
     subtitle_ = "CPU type " + Q(cpu) + ", project " + projectDir_;
     try {
-        sheets_ = BuildParameterReport(ReadParameterFile(file), ReportContext(cpu, projectDir));
+        sheets_ = BuildParameterReport(LoadParameterImage(file), ReportContext(cpu, projectDir));
     } catch (const std::exception& error) {
         sheets_.clear();
         Heading->setText("The parameter report cannot be shown: " + Q(error.what()));

@@ -123,6 +123,10 @@ ParameterImage LoadParameterImage(const std::string& file) {
     return image;
 }
 
+void SaveParameterImage(const std::string& file, const ParameterImage& image) {
+    WriteFileAtomically(file, {image.bytes().begin(), image.bytes().end()});
+}
+
 void CheckProgramEnd(const std::string& projectDir) {
     ReadFileIfAny(projectDir + "program.end", kSmallFileLimit);
 }

@@ -81,6 +81,10 @@ class ProjectHold {
 // file of another size, a RuntimeError naming the file and the reason otherwise.
 ParameterImage LoadParameterImage(const std::string& file);
 
+// Writes image as the parameter file at file, whole beside it and renamed over it (a working
+// file of a run, such as the one the network workbook saves into; the run holds the project).
+void SaveParameterImage(const std::string& file, const ParameterImage& image);
+
 // The largest "program.end" and note file (such as "rkparam.cpu") read: a few numbers or a
 // code, never more.
 inline constexpr size_t kSmallFileLimit = 256;
