@@ -4,6 +4,8 @@
 // dialog's OK closes it or shows a message, nothing hangs, no runtime error reaches anyone.
 //   GANTRIX_MONKEY_SEED=S  GANTRIX_MONKEY_SESSIONS=N  GANTRIX_MONKEY_MINUTES=M (a time budget)
 //   GANTRIX_MONKEY_REPLAY=S:I (only session I of seed S, printing every event)
+//   GANTRIX_MONKEY_SHARD=K/N (only the sessions I with I % N == K: N processes side by side
+//   run the same sessions as one)
 
 #include <unistd.h>
 
@@ -465,9 +467,15 @@ int main(int argc, char** argv) {
         return std::fprintf(stderr, "monkey: GANTRIX_MONKEY_REPLAY is not SEED:SESSION\n"), 2;
     if (replaying || (minutes > 0 && !std::getenv("GANTRIX_MONKEY_SESSIONS")))
         sessions = replaying ? 1 : 1LL << 40;
+    long long shard = 0, shards = 1;
+    const char* slice = std::getenv("GANTRIX_MONKEY_SHARD");
+    if (!replaying && slice != nullptr && *slice != '\0' &&
+        (std::sscanf(slice, "%lld/%lld", &shard, &shards) != 2 || shards < 1 || shard < 0 ||
+         shard >= shards))
+        return std::fprintf(stderr, "monkey: GANTRIX_MONKEY_SHARD is not K/N with K < N\n"), 2;
     const qint64 start = QDateTime::currentSecsSinceEpoch();
     long long done = 0, events = 0, failed = 0;
-    for (long long i = first; i < first + sessions; ++i, ++done) {
+    for (long long i = first + shard; i < first + sessions; i += shards, ++done) {
         if (minutes > 0 && QDateTime::currentSecsSinceEpoch() - start >= minutes * 60) break;
         const std::string cpu(
             gantrix::platform::kCpuTypes[i % std::size(gantrix::platform::kCpuTypes)]);
@@ -484,7 +492,8 @@ int main(int argc, char** argv) {
     }
     ::alarm(0);
     g_dying[0] = '\0';
-    std::printf("monkey: seed %llu, %lld sessions, %lld events, %lld failed, %lld s\n", seed, done,
-                events, failed, QDateTime::currentSecsSinceEpoch() - start);
+    std::printf(
+        "monkey: seed %llu, shard %lld/%lld, %lld sessions, %lld events, %lld failed, %lld s\n",
+        seed, shard, shards, done, events, failed, QDateTime::currentSecsSinceEpoch() - start);
     return failed == 0 ? 0 : 1;
 }
