@@ -5,7 +5,6 @@
 
 #include <QtWidgets>
 #include <map>
-#include <ranges>
 #include <set>
 
 #include "common/qt/DialogRegistry.h"
@@ -72,8 +71,10 @@ struct Walk {
     void Explore(QWidget* window) {
         windows.insert(window->objectName());
         Check(window);
-        const auto rounds = std::vector(2, Openers(window));
-        for (const QPointer<QAbstractButton>& button : rounds | std::views::join) {
+        const auto once = Openers(window);
+        auto rounds = once;
+        rounds.insert(rounds.end(), once.begin(), once.end());
+        for (const QPointer<QAbstractButton>& button : rounds) {
             if (button.isNull() || !button->isEnabled()) continue;
             bool opened = false;
             QTimer poll;

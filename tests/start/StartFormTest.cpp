@@ -132,7 +132,12 @@ TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
         {"chooser", false, "", 0, ""},
         {"drop", true, "A0J", 1, "Left without saving: "},
         {"list", true, "A4U", 2, "Not opened: "}};
-    for (const auto& [how, project, cpu, status, shown] : cases) {
+    for (const auto& row : cases) {
+        // Variables, not a structured binding: the lambdas below capture them.
+        const std::string &how = std::get<0>(row), &cpu = std::get<2>(row),
+                          &shown = std::get<4>(row);
+        const bool project = std::get<1>(row);
+        const int status = std::get<3>(row);
         SCOPED_TRACE(how);
         Start s;
         s.ran = {status, status == 2 ? "damaged" : ""};

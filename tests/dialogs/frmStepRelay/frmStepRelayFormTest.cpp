@@ -14,7 +14,7 @@ using StepRelay = test::Opened<frmStepRelay>;
 // Word 18 is 1535 with step relays, else the last internal relay; nothing else is written.
 TEST(frmStepRelay, OpensCheckedOnlyFor1535AndOkStoresItOrTheLastRelay) {
     for (const auto& [word, checked, saved] : {std::tuple{1535, true, 1535}, {1000, false, 2047}}) {
-        StepRelay f("A0J", [word](StepRelay& f) { f.state.image.SetParamWord(word, 18); });
+        StepRelay f("A0J", [w = word](StepRelay& f) { f.state.image.SetParamWord(w, 18); });
         EXPECT_EQ(f->StepRelayFlag->isChecked(), checked) << word;
         EXPECT_EQ(f->findChild<QPushButton*>("Clear"), nullptr);
         PressKey(f->StepRelayFlag, Qt::Key_End);
