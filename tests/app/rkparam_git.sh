@@ -96,15 +96,17 @@ echo '7000 0 0 0' >end/program.end
 printf '\x00' | dd of=bytes/param.tmp bs=1 seek=526 conv=notrunc 2>/dev/null
 head -c 100 /dev/zero >short/param.tmp
 rm nocpu/rkparam.cpu
+# Projects of other CPU types pass only when each is checked as its own type.
+for c in A0J A3U A2A; do "$rkparam" new --cpu $c "types/$c" >/dev/null; done
 # Neither a link loop nor a FIFO in a project's place holds the walk up.
 mkdir -p loop fifo && ln -s .. loop/up && mkfifo fifo/param.tmp && echo A3 >fifo/rkparam.cpu
 expect_status 1 "check --recursive" timeout 20 "$rkparam" check --recursive .
-grep -q '6 project(s) checked: 1 pass, 5 with 5 problem(s)' "$work/out" || fail "the summary: $(cat "$work/out")"
+grep -q '9 project(s) checked: 4 pass, 5 with 5 problem(s)' "$work/out" || fail "the summary: $(cat "$work/out")"
 grep -q '^./end/param.tmp: \[menu\] memory.main: ' "$work/out" || fail "a finding names its project: $(cat "$work/out")"
 expect_status 1 "check --format junit" "$rkparam" check --recursive . --format junit
 xml="$work/out"
 xmllint --noout "$xml" || fail "the JUnit output is XML"
-[ "$(xmllint --xpath 'count(//testsuite)' "$xml")" = 6 ] || fail "one test suite a project"
+[ "$(xmllint --xpath 'count(//testsuite)' "$xml")" = 9 ] || fail "one test suite a project"
 [ "$(xmllint --xpath 'count(//testcase[failure])' "$xml")" = 5 ] || fail "one failing case a finding"
 [ "$(xmllint --xpath 'count(//testsuite[@name="./pass/param.tmp"]/testcase[not(failure)])' "$xml")" = 8 ] \
     || fail "a passing case for each dialog, the menu and the file"
