@@ -110,6 +110,8 @@ xmllint --noout "$xml" || fail "the JUnit output is XML"
 [ "$(xmllint --xpath 'count(//testcase[failure])' "$xml")" = 5 ] || fail "one failing case a finding"
 [ "$(xmllint --xpath 'count(//testsuite[@name="./pass/param.tmp"]/testcase[not(failure)])' "$xml")" = 8 ] \
     || fail "a passing case for each dialog, the menu and the file"
+[ "$(xmllint --xpath 'string(//testsuite[@name="./end/param.tmp"]//failure/@type)' "$xml")" = "message 9" ] \
+    || fail "a finding's failure has the dialog's message number as its type"
 xmllint --xpath 'string(//testsuite[@name="./nocpu/param.tmp"]//failure/@message)' "$xml" | grep -q 'no CPU type' \
     || fail "the unreadable project's failure says why"
 expect_status 1 "check --format json" "$rkparam" check --recursive . --format json
