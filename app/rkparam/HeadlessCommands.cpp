@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "CommandSupport.h"
+#include "PipelineCommands.h"
 #include "ProjectFiles.h"
 #include "headless/Headless.h"
 #include "headless/Page.h"
@@ -20,67 +22,6 @@ namespace {
 
 namespace hl = gantrix::headless;
 
-constexpr int kOk = 0;
-constexpr int kFound = 1;  // check found something, diff a difference, set or import refused
-constexpr int kFailed = 2;
-
-// A refusal before anything was done: the text goes to the user, the exit status is 2.
-struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
-struct Options {
-    std::string cpu;
-    std::string path;
-    std::string other;  // diff: the second project; import: the text file
-    std::vector<std::string> assignments;
-    bool json = false;
-};
-
-std::string Quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
-// Text from a file or a command line, as a message shows it: control characters escaped.
-std::string Printable(const std::string& text) {
-    const std::string quoted = hl::QuoteValue(text);
-    return quoted.starts_with('"') ? quoted : Quoted(quoted);
-}
-
-// A string for JSON: the library refuses text that is not UTF-8 (a path may be any bytes),
-// so such a string has its bytes from 0x80 up written as \xHH.
-std::string JsonText(const std::string& text) {
-    try {
-        (void)nlohmann::json(text).dump();
-        return text;
-    } catch (const nlohmann::json::exception&) {
-        std::string escaped;
-        for (const char c : text) {
-            const auto u = static_cast<unsigned char>(c);
-            if (u < 0x80) {
-                escaped += c;
-                continue;
-            }
-            char buffer[8];
-            std::snprintf(buffer, sizeof buffer, "\\x%02X", u);
-            escaped += buffer;
-        }
-        return escaped;
-    }
-}
-
-// At most this many refusals or findings are printed, then how many more there are.
-constexpr size_t kListed = 20;
-
-void PrintList(std::ostream& out, const std::string& prefix, const std::vector<hl::Violation>& list,
-               size_t unlisted = 0) {
-    for (size_t i = 0; i < list.size() && i < kListed; ++i) {
-        out << prefix << hl::Describe(list[i]) << "\n";
-    }
-    const size_t more = (list.size() > kListed ? list.size() - kListed : 0) + unlisted;
-    if (more > 0) out << prefix << "and " << more << " more\n";
-}
-
 // A project directory or a parameter file, with the CPU type it is for.
 struct Loaded {
     gantrix::ProjectPath path;
@@ -88,33 +29,6 @@ struct Loaded {
     gantrix::ParameterImage image;
     std::string sizeProblem;  // set (and image empty) when the file is not 3072 bytes
 };
-
-gantrix::ProjectPath Locate(const std::string& path) {
-    gantrix::ProjectPath located = gantrix::LocateProject(path);
-    if (!located.exists) {
-        throw Failure(Quoted(located.file) +
-                      " is missing; make the project with: rkparam new --cpu CODE " + path);
-    }
-    return located;
-}
-
-// The CPU type: --cpu, else the project's note, else fallback; refused when none names one.
-std::string CpuFor(const std::string& option, const std::string& projectDir,
-                   const std::string& fallback) {
-    std::string cpu = option;
-    if (cpu.empty()) cpu = ReadCpuNote(projectDir);
-    if (cpu.empty()) cpu = fallback;
-    if (cpu.empty()) {
-        throw Failure("no CPU type: " + Quoted(projectDir + kCpuFile) +
-                      " is not there or names none; give --cpu CODE");
-    }
-    cpu = gantrix::NormalizeCpuCode(cpu);
-    if (!gantrix::IsKnownCpuType(cpu)) {
-        throw Failure("unknown CPU type " + Printable(cpu) +
-                      ": expected one of A0J A0H A1S A1 A2C A2 A3 A3H A2A A3A A2U A3U A4U");
-    }
-    return cpu;
-}
 
 Loaded Load(const std::string& path, const std::string& cpuOption, bool sizeIsFinding = false) {
     Loaded l;
@@ -133,22 +47,17 @@ gantrix::DialogContext ContextOf(const Loaded& l) {
     return hl::HeadlessContext(l.cpu, l.path.projectDir);
 }
 
-std::string Shown(const std::optional<std::string>& value) {
-    if (!value) return "(none)";
-    return value->empty() ? "\"\"" : hl::QuoteValue(*value);
-}
-
 int Show(const Options& o) {
     const Loaded l = Load(o.path, o.cpu);
     const auto dialogs = hl::Show(l.image, ContextOf(l));
     if (o.json) {
         nlohmann::ordered_json j;
-        j["file"] = JsonText(l.path.file);
-        j["cpu"] = JsonText(l.cpu);
+        j["file"] = Utf8Text(l.path.file);
+        j["cpu"] = Utf8Text(l.cpu);
         j["dialogs"] = nlohmann::ordered_json::array();
         for (const hl::ShownDialog& d : dialogs) {
             nlohmann::ordered_json fields = nlohmann::ordered_json::object();
-            for (const hl::ShownField& f : d.fields) fields[JsonText(f.key)] = JsonText(f.value);
+            for (const hl::ShownField& f : d.fields) fields[Utf8Text(f.key)] = Utf8Text(f.value);
             j["dialogs"].push_back(
                 {{"name", d.name}, {"form", d.form}, {"title", d.title}, {"fields", fields}});
         }
@@ -164,23 +73,6 @@ int Show(const Options& o) {
         }
     }
     return kOk;
-}
-
-int Check(const Options& o) {
-    const Loaded l = Load(o.path, o.cpu, true);
-    std::vector<hl::Violation> found;
-    if (!l.sizeProblem.empty()) {
-        found.push_back({"file", "", -1, l.sizeProblem});
-    } else {
-        found = hl::Check(l.image, ContextOf(l), gantrix::ReadEndPositions(l.path));
-    }
-    PrintList(std::cout, "", found);
-    if (found.empty()) {
-        std::cout << "rkparam: " << l.path.file << " passes every check\n";
-        return kOk;
-    }
-    std::cout << "rkparam: " << found.size() << " problem(s) in " << l.path.file << "\n";
-    return kFound;
 }
 
 // What set and import print of a change, and their exit status.
@@ -225,23 +117,7 @@ int Diff(const Options& o) {
     const hl::Difference d = hl::Diff(a.image, ContextOf(a), b.image, ContextOf(b));
     std::cout << "--- " << a.path.file << " (" << a.cpu << ")\n+++ " << b.path.file << " (" << b.cpu
               << ")\n";
-    std::string dialog;
-    for (const hl::FieldDifference& f : d.fields) {
-        if (f.dialog != dialog) std::cout << "[" << (dialog = f.dialog) << "]\n";
-        std::cout << f.key << ": " << Shown(f.a) << " => " << Shown(f.b) << "\n";
-    }
-    if (!d.bytes.empty()) std::cout << "[bytes]\n";
-    for (const hl::ByteDifference& r : d.bytes) {
-        std::string left, right;
-        for (size_t i = 0; i < r.a.size(); ++i) {
-            char buffer[8];
-            std::snprintf(buffer, sizeof buffer, i == 0 ? "%02X" : " %02X", r.a[i]);
-            left += buffer;
-            std::snprintf(buffer, sizeof buffer, i == 0 ? "%02X" : " %02X", r.b[i]);
-            right += buffer;
-        }
-        std::cout << r.first << ".." << r.last << ": " << left << " => " << right << "\n";
-    }
+    PrintDifference(std::cout, d);
     return d.differ || !d.fields.empty() || a.cpu != b.cpu ? kFound : kOk;
 }
 
@@ -304,9 +180,15 @@ std::function<int()> AddHeadlessCommands(CLI::App& app) {
     CLI::App* check = app.add_subcommand(
         "check",
         "every dialog's check as if its OK were pressed, the menu's OK, the file's size and "
-        "check bytes; exit status 1 when anything is found");
-    path(check);
-    commands->push_back({check, Check});
+        "check bytes, of one project or many; exit status 1 when anything is found");
+    check->add_option("PATH", o->paths, "project directories or parameter files");
+    check->add_option("--cpu", o->cpu, "CPU type, where rkparam.cpu does not name it");
+    check->add_option("--recursive", o->recursive, "check every project under DIR")
+        ->type_name("DIR")
+        ->allow_extra_args(false);
+    check->add_option("--format", o->format, "text (the default), json, or junit (JUnit XML)")
+        ->check(CLI::IsMember({"text", "json", "junit"}));
+    commands->push_back({check, CheckCommand});
 
     CLI::App* set = app.add_subcommand(
         "set", "type values into fields as the dialogs take them; refuses all on any message");
@@ -333,6 +215,30 @@ std::function<int()> AddHeadlessCommands(CLI::App& app) {
     path(importCommand);
     importCommand->add_option("FILE", o->other, "text made by export")->required();
     commands->push_back({importCommand, Import});
+
+    CLI::App* merge = app.add_subcommand(
+        "merge",
+        "three-way merge field by field, written to OURS (git's merge driver); exit status 1 "
+        "on a conflict, OURS then as it was");
+    merge->add_option("BASE OURS THEIRS", o->paths, "parameter files or project directories")
+        ->expected(3)
+        ->required();
+    merge->add_option("-o,--output", o->output, "write the result here rather than to OURS");
+    merge->add_option("--path", o->gitPath,
+                      "where the file is kept (git's %P): its rkparam.cpu gives the CPU type");
+    merge->add_option("--cpu", o->cpu, "CPU type, where rkparam.cpu does not name it");
+    commands->push_back({merge, MergeCommand});
+
+    CLI::App* setup = app.add_subcommand(
+        "git-setup", "make git merge and diff param.tmp field by field in the repository REPO");
+    setup->add_option("REPO", o->path, "a directory of the repository's work tree (default .)");
+    commands->push_back({setup, GitSetupCommand});
+
+    CLI::App* gitDiff = app.add_subcommand(
+        "git-diff", "git's diff command for param.tmp: the fields that differ (see git-setup)");
+    gitDiff->add_option("ARGS", o->gitArgs, "what git hands a diff command")->required();
+    gitDiff->add_option("--cpu", o->cpu, "CPU type, where rkparam.cpu does not name it");
+    commands->push_back({gitDiff, GitDiffCommand});
 
     return [o, commands] {
         for (const Command& c : *commands) {

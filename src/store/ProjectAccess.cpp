@@ -1,5 +1,7 @@
 #include "store/ProjectAccess.h"
 
+#include <dirent.h>
+#include <strings.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -34,7 +36,61 @@ bool SameDirectory(const std::string& a, const std::string& b) {
            infoA.st_dev == infoB.st_dev && infoA.st_ino == infoB.st_ino;
 }
 
+void Walk(const std::string& dir, FoundProjects& found, bool root) {
+    DIR* listing = ::opendir(dir.c_str());
+    if (listing == nullptr) {
+        const RuntimeError error = FileError("Cannot read the directory", dir, errno);
+        if (root) throw error;
+        found.unreadable.push_back({dir, error.Description()});
+        return;
+    }
+    std::string param;
+    std::vector<std::string> subdirectories;
+    for (;;) {
+        errno = 0;
+        const dirent* entry = ::readdir(listing);
+        if (entry == nullptr) {
+            if (errno != 0) {
+                found.unreadable.push_back(
+                    {dir, FileError("Cannot read the directory", dir, errno).Description()});
+            }
+            break;
+        }
+        const std::string name = entry->d_name;
+        // The exact spelling first, as a lookup of the file takes it.
+        if (::strcasecmp(name.c_str(), kParamTmp) == 0 && (param.empty() || name == kParamTmp)) {
+            param = name;
+        }
+        if (name.front() == '.') continue;
+        bool directory = entry->d_type == DT_DIR;
+        struct stat info {};
+        if (entry->d_type == DT_UNKNOWN && ::lstat((dir + name).c_str(), &info) == 0) {
+            directory = S_ISDIR(info.st_mode);
+        }
+        if (directory) subdirectories.push_back(name);
+    }
+    ::closedir(listing);
+    if (!param.empty()) {
+        ProjectPath p{dir, dir + param, dir + param, true};
+        try {
+            p.target = ResolveLinks(p.file);
+        } catch (const RuntimeError&) {
+            // A link chain that cannot be followed: the load names why.
+        }
+        found.projects.push_back(std::move(p));
+    }
+    std::sort(subdirectories.begin(), subdirectories.end());
+    for (const std::string& name : subdirectories) Walk(dir + name + "/", found, false);
+}
+
 }  // namespace
+
+FoundProjects FindProjects(const std::string& root) {
+    if (root.empty()) throw RuntimeError(kErrPathNotFound, "No directory given");
+    FoundProjects found;
+    Walk(WithSeparator(root), found, true);
+    return found;
+}
 
 ProjectPath LocateProject(const std::string& path) {
     if (path.empty()) throw RuntimeError(kErrPathNotFound, "No project directory given");
@@ -132,8 +188,9 @@ void CheckProgramEnd(const std::string& projectDir) {
 }
 
 std::array<int16_t, 4> ReadEndPositions(const ProjectPath& path) {
-    CheckProgramEnd(path.projectDir);
     std::array<int16_t, 4> end{};
+    // Without the file there are no programs: the host library would read nothing either.
+    if (!ReadFileIfAny(path.projectDir + "program.end", kSmallFileLimit)) return end;
     ParameterImage scratch;
     std::vector<char> file(path.file.begin(), path.file.end());
     file.push_back('\0');

@@ -35,6 +35,21 @@ struct ProjectPath {
 // is raises a RuntimeError naming it.
 ProjectPath LocateProject(const std::string& path);
 
+// The projects under root: root and every directory below it that holds a parameter file
+// (found without regard to case), in the order of their paths. Directories whose names begin
+// with "." (a repository's own) and links to directories are not entered, so that the walk
+// ends and finds each project once. A directory below root that cannot be read is named in
+// unreadable with the reason; root itself not being a directory raises a RuntimeError.
+struct FoundProjects {
+    struct Unreadable {
+        std::string directory;
+        std::string why;
+    };
+    std::vector<ProjectPath> projects;
+    std::vector<Unreadable> unreadable;
+};
+FoundProjects FindProjects(const std::string& root);
+
 // A project held by a run: another run, or this process, has it.
 class ProjectInUse : public RuntimeError {
   public:
