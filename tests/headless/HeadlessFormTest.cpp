@@ -1,11 +1,16 @@
+#include <QRadioButton>
+#include <algorithm>
+#include <map>
 #include <random>
 #include <set>
 
 #include "common/ControlNumbers.h"
 #include "common/qt/DialogRegistry.h"
 #include "common/qt/FormControls.h"
+#include "dialogs/frmIOLayout/IOLayoutFields.h"
 #include "headless/Headless.h"
 #include "headless/Page.h"
+#include "platform/rkcmnt/DeviceTable.h"
 #include "store/CheckSum.h"
 #include "support/FormFixture.h"
 
@@ -74,36 +79,231 @@ TEST(HeadlessCheckForm, EachDialogShowsWhatCheckReports) {
     EXPECT_GT(failing, 5);  // the corpus has dialogs that refuse as well as ones that pass
 }
 
-TEST(HeadlessSetForm, WritesTheBytesTheDialogsOkWrites) {
-    // clang-format off
-    const struct { const char* cpu; const char* form; const char* control; const char* typed; const char* key; } cases[] = {
-        {"A3 ", "frmLatch", "Text1(0)", "1024", "latch.L.start"},
-        {"A3 ", "frmAssistance", "Text3", "35", "assist.watchdog"},
-        {"A3U", "frmTimerCounter", "Text1(0)", "0", "timer.points"},
-        {"A2C", "frmRemote", "Text1", "12", "remote.total"},
+// Every key against its control. For each CPU type and dialog, values that its fields take
+// are found key by key, each changing what OK writes; typed once through set and once with
+// key presses into the controls the keys name, then OK, they give the same image. The keys
+// name every input control the dialog shows, and only controls it shows.
+
+using headless::FieldRef;
+using Typed = std::vector<std::pair<FieldRef, std::string>>;
+
+// The values tried for a field: a flag switched, the other options, numbers near the one
+// shown and above the field before (boundaries, range ends), then single letters. The hints
+// open what the search alone does not reach: the timers beyond 255 and their devices.
+std::vector<std::string> Candidates(const FieldRef& field, int ordinal, const std::string& before) {
+    static const std::map<std::string, std::string> kHints = {
+        {"timer.points", "512"},           {"timer.device", "D"},
+        {"timer.device.start", "100"},     {"timer.integration", "240"},
+        {"timer.T256.integration", "400"}, {"timer.counter.points", "512"},
+        {"timer.counter.device", "D"},     {"timer.counter.device.start", "3000"}};
+    const std::string now = headless::Page::ValueOf(field);
+    if (field.flag != nullptr) return {now == "on" ? "off" : "on"};
+    std::vector<std::string> out;
+    if (kHints.count(field.key)) out.push_back(kHints.at(field.key));
+    for (size_t o = 0; field.options && o < field.options->values.size(); ++o)
+        if (field.options->values[o] != now) out.push_back(field.options->values[o]);
+    if (field.options != nullptr) return out;
+    const size_t digits = now.find_last_not_of("0123456789ABCDEF") + 1;
+    const std::string prefix = now.substr(0, digits), number = now.substr(digits);
+    const long b = std::strtol(before.c_str(), nullptr, 10);
+    for (int base : {10, 16}) {
+        char* end = nullptr;
+        const long n = std::strtol(number.c_str(), &end, base);
+        if (*end != '\0' || (base == 10 && field.cleaning == headless::Cleaning::Hex)) continue;
+        for (long v : {n + (number.empty() ? ordinal + 1 : 16), n + 1, n + 16, n - 1, n - 16, 2000L,
+                       256L, b + 8, b + 15, b + 16})
+            if (v >= 0) out.push_back(prefix + QString::number(v, base).toUpper().toStdString());
+    }
+    out.push_back("");
+    for (char c : std::string("123456789ABDWR")) out.push_back(std::string(1, c));
+    return out;
+}
+
+std::vector<FieldRef> KeysOf(headless::Page& page) {
+    std::vector<FieldRef> fields = page.Fields();
+    for (FieldRef& action : page.Actions()) fields.push_back(action);
+    return fields;
+}
+
+// Opens page on image and types typed; false when a field or the check refuses.
+bool TypeAll(headless::Page& page, ParameterImage& image, const Typed& typed) {
+    page.Open(image);
+    for (const auto& [field, value] : typed)
+        if (page.Type(field, value)) return false;
+    return !page.Check(image).Any();
+}
+
+void TypeInto(QWidget* dialog, const FieldRef& field, const std::string& value, QString name) {
+    if (field.options != nullptr) {
+        const auto& values = field.options->values;
+        name += QString("(%1)").arg(std::ranges::find(values, value) - values.begin());
+    }
+    QWidget* control = test::Child(dialog, name);
+    ASSERT_NE(control, nullptr) << name.toStdString();
+    control->setFocus();
+    auto* combo = qobject_cast<QComboBox*>(control);
+    QLineEdit* box = combo ? combo->lineEdit() : qobject_cast<QLineEdit*>(control);
+    if (box != nullptr) {
+        test::Retype(box, QString::fromStdString(value));
+        test::PressKey(box, Qt::Key_Return);  // the focus moves on, as set assumes
+    } else if (auto* check = qobject_cast<QCheckBox*>(control);
+               !check || check->isChecked() != (value == "on")) {
+        test::PressKey(control, Qt::Key_Space);
+    }
+}
+
+// Opens the dialog of page on base as the menu would, types typed and presses OK. The I/O
+// assignment shows slot N as Text1(N % 64) of page N / 64, its model name as Combo1(N % 8)
+// of page N / 8 of the model-name dialog; inputs gets the controls a user can change, shown
+// those visible, both numbered as the keys number them.
+ParameterImage RunForm(const std::string& cpu, headless::Page& page, const ParameterImage& base,
+                       const Typed& typed, std::set<std::string>& shown,
+                       std::set<std::string>& inputs) {
+    test::TempDir project;  // the I/O assignment takes the run's working file first
+    project.Write("param.$$$", {base.bytes().begin(), base.bytes().end()});
+    ModuleState state = test::StateFor(cpu, project.Path());
+    state.image = base;
+    test::ScriptedMessages messages;
+    state.Presenter = &messages;
+    const bool io = page.Form() == "frmIOLayout";
+    const auto view = [&](QWidget* dialog, const QString& stem, int first, int count) {
+        const auto local = [&](const QString& name, int shift) {
+            const int open = name.indexOf('(');
+            if (!io || open < 0 || name.left(open) != stem) return name;
+            return QString("%1(%2)").arg(stem).arg(name.mid(open + 1).chopped(1).toInt() + shift);
+        };
+        for (const auto& [field, value] : typed) {
+            const QString name = QString::fromStdString(field.control);
+            const int n = name.section('(', 1).chopped(1).toInt();
+            if (!io || (name.startsWith(stem) && n >= first && n < first + count))
+                TypeInto(dialog, field, value, local(name, -first));
+        }
+        for (QWidget* w : dialog->findChildren<QWidget*>()) {
+            if (w->objectName().isEmpty() || !w->isVisibleTo(dialog)) continue;
+            const std::string name = local(w->objectName(), first).toStdString();
+            shown.insert(name);
+            const auto* box = qobject_cast<QLineEdit*>(w);
+            if (w->isEnabled() && ((box && !box->isReadOnly()) || qobject_cast<QCheckBox*>(w) ||
+                                   qobject_cast<QRadioButton*>(w) || qobject_cast<QComboBox*>(w)))
+                inputs.insert(name);
+        }
     };
-    // clang-format on
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.key);
-        ModuleState state = test::StateFor(c.cpu);
-        test::ScriptedMessages messages;
-        state.Presenter = &messages;
-        const ParameterImage before = state.image;
-        test::ModalDriver driver;
-        driver.On(c.form, [&](QWidget* dialog) {
-            auto* box = test::ChildAs<QLineEdit>(dialog, c.control);
-            test::Retype(box, c.typed);
-            test::PressKey(box, Qt::Key_Return);  // the focus moves on, as set assumes
-            test::PressKey(dialog, Qt::Key_End);
+    test::ModalDriver driver;
+    driver.On(QString::fromStdString(page.Form()), [&](QWidget* dialog) {
+        view(dialog, "Text1", 0, 64);
+        if (io) {
+            test::PressKey(QApplication::focusWidget(), Qt::Key_PageDown);
+            view(dialog, "Text1", 64, 64);
+            test::PressKey(QApplication::focusWidget(), Qt::Key_PageDown);  // names: page 0
+            test::PressKey(test::Child(dialog, "Type"), Qt::Key_Space);
+        }
+        test::PressKey(dialog, Qt::Key_End);
+        if (dialog->isVisible()) test::PressKey(test::Child(dialog, "Cancel"), Qt::Key_Return);
+    });
+    if (io) {
+        driver.On("frmTypeNameSet", [&](QWidget* names) {
+            for (int p = 0; p < 8; ++p) {
+                view(names, "Combo1", 8 * p, 8);
+                if (p < 7) test::PressKey(test::Child(names, "ChangePage(1)"), Qt::Key_Space);
+            }
+            test::PressKey(test::Child(names, "Close"), Qt::Key_Space);
         });
-        driver.Run([&] { OpenDialog(c.form, state); });
-        ASSERT_EQ(messages.Numbers(), std::vector<int>{});
-        SetCheckSum(state.image, c.cpu, false);
-        const auto outcome =
-            headless::Set(before, headless::HeadlessContext(c.cpu), {{c.key, c.typed}});
-        ASSERT_TRUE(outcome.refusals.empty()) << outcome.refusals[0].text;
-        EXPECT_NE(outcome.image, before);
-        EXPECT_EQ(test::DifferingBytes(outcome.image, state.image), std::vector<int>{});
+    }
+    driver.Run([&] { OpenDialog(page.Form(), state); });
+    EXPECT_EQ(messages.Numbers(), std::vector<int>{});
+    const uint8_t flag = state.image[kIoAssignedFlagAt];
+    SetCheckSum(state.image, cpu, flag != 0xFF && flag != base[kIoAssignedFlagAt]);
+    return state.image;
+}
+
+TEST(HeadlessSetForm, EveryKeyTypesIntoItsOwnControl) {
+    for (std::string_view code : platform::kCpuTypes) {
+        const std::string cpu(code);
+        const DialogContext context = headless::HeadlessContext(cpu);
+        ParameterImage image = test::DefaultImage(cpu);
+        std::set<std::string> done;
+        // A second round on the image the first left: the fields a value of a later dialog
+        // opens (the latch ranges of the timer partition) take theirs then.
+        for (int round = 0; round < 2; ++round) {
+            for (const auto& page : headless::PagesFor(context)) {
+                std::set<std::string> skipped;  // taken by the dialog, refused by another's
+                for (;;) {                      // one OK of the dialog per batch of values
+                    Typed batch;
+                    ParameterImage last = image;
+                    const auto taken = [&](const Typed& more) {
+                        Typed all = batch;
+                        all.insert(all.end(), more.begin(), more.end());
+                        ParameterImage opened = image;
+                        if (!TypeAll(*page, opened, all)) return false;
+                        page->Write(opened);
+                        if (opened == last) return false;
+                        std::tie(batch, last) = std::tie(all, opened);
+                        return true;
+                    };
+                    for (bool grew = true; grew;) {  // the fields a count adds are listed anew
+                        grew = false;
+                        ParameterImage opened = image;
+                        TypeAll(*page, opened, batch);
+                        const std::vector<FieldRef> fields = KeysOf(*page);
+                        for (size_t i = 0; i < fields.size(); ++i) {
+                            const FieldRef& f = fields[i];
+                            const auto key = [](const auto& t) { return t.first.key; };
+                            if (done.count(f.key) + skipped.count(f.key) ||
+                                std::ranges::find(batch, f.key, key) != batch.end())
+                                continue;
+                            const auto values =
+                                Candidates(f, static_cast<int>(i),
+                                           i ? headless::Page::ValueOf(fields[i - 1]) : "");
+                            bool ok = std::ranges::any_of(values, [&](const std::string& v) {
+                                return taken({{f, v}});
+                            });
+                            // A range's start is taken only with its end.
+                            for (size_t v = 0; !ok && v < std::min<size_t>(3, values.size()) &&
+                                               i + 1 < fields.size();
+                                 ++v)
+                                for (const std::string& w :
+                                     Candidates(fields[i + 1], static_cast<int>(i + 1), values[v]))
+                                    if ((ok = taken({{f, values[v]}, {fields[i + 1], w}}))) break;
+                            grew = grew || ok;
+                        }
+                    }
+                    // A value the whole check refuses (a latch range over the step relays) is
+                    // dropped: the first whose removal lets the rest through, else the last.
+                    std::vector<headless::Assignment> typed;
+                    for (const auto& [field, value] : batch) typed.push_back({field.key, value});
+                    auto outcome = headless::Set(image, context, typed);
+                    for (size_t drop = 0; !outcome.refusals.empty(); drop = 0) {
+                        for (; drop + 1 < typed.size(); ++drop) {
+                            auto fewer = typed;
+                            fewer.erase(fewer.begin() + static_cast<long>(drop));
+                            if (headless::Set(image, context, fewer).refusals.empty()) break;
+                        }
+                        skipped.insert(typed[drop].key);
+                        typed.erase(typed.begin() + static_cast<long>(drop));
+                        batch.erase(batch.begin() + static_cast<long>(drop));
+                        outcome = headless::Set(image, context, typed);
+                    }
+                    if (batch.empty()) break;
+                    SCOPED_TRACE(cpu + " " + page->Name() + " " + batch.front().first.key);
+                    std::set<std::string> shown, inputs, named;
+                    const ParameterImage written = RunForm(cpu, *page, image, batch, shown, inputs);
+                    EXPECT_EQ(test::DifferingBytes(outcome.image, written), std::vector<int>{});
+                    ParameterImage opened = image;
+                    TypeAll(*page, opened, batch);
+                    for (const FieldRef& f : KeysOf(*page)) {
+                        for (size_t o = 0; f.options && o < f.options->values.size(); ++o)
+                            named.insert(f.control + "(" + std::to_string(o) + ")");
+                        if (f.options == nullptr) named.insert(f.control);
+                    }
+                    for (const std::string& control : inputs)
+                        EXPECT_TRUE(named.count(control)) << control << " has no key";
+                    for (const std::string& control : named)
+                        EXPECT_TRUE(shown.count(control)) << control << " is not shown";
+                    for (const auto& a : typed) done.insert(a.key);
+                    image = outcome.image;
+                }
+            }
+        }
     }
 }
 
