@@ -28,6 +28,7 @@ TEST(frmAssistance, ControlsPerTypeAndOkWithoutEditInItAndItsFollowOnChangeNoByt
         Assistance f(cpu);
         EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
         EXPECT_EQ(test::Focused(), "StepRelayFlag");
+        EXPECT_TRUE(f->Text1[0]->alignment() & f->Text2[1]->alignment() & Qt::AlignRight);
         EXPECT_EQ(
             (std::vector<bool>{f->Text1[1]->isVisible(), f->Text3->isVisible(),
                                f->XYControl[3]->isVisible(), f->CommentFlag->isVisible(),
