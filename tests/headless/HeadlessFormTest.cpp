@@ -67,10 +67,8 @@ bool TypeAll(headless::Page& page, ParameterImage& image, const Typed& typed) {
 }
 
 void TypeInto(QWidget* dialog, const FieldRef& field, const std::string& value, QString name) {
-    if (field.options != nullptr) {
-        const auto& values = field.options->values;
-        name += QString("(%1)").arg(std::ranges::find(values, value) - values.begin());
-    }
+    if (const headless::OptionSet* o = field.options)  // the option's own button
+        name += QString("(%1)").arg(std::ranges::find(o->values, value) - o->values.begin());
     QWidget* control = test::Child(dialog, name);
     ASSERT_NE(control, nullptr) << name.toStdString();
     control->setFocus();
@@ -88,14 +86,14 @@ void TypeInto(QWidget* dialog, const FieldRef& field, const std::string& value, 
 struct FormRun {
     ParameterImage image;
     std::set<int> messages;
-    std::set<std::string> painted;        // the keys of the controls painted yellow on OK
+    std::set<std::string> painted;        // the keys of the boxes painted on OK
     std::set<std::string> shown, inputs;  // controls visible, and those a user can change
 };
 
 // Opens the dialog of page on base as the menu would, types typed and presses OK. The I/O
 // assignment shows slot N as Text1(N % 64) of page N / 64, its model name as Combo1(N % 8)
-// of page N / 8 of the model-name dialog; inputs gets the controls a user can change, shown
-// those visible, both numbered as the keys number them.
+// of page N / 8 of the model-name dialog; shown gets the controls visible, inputs those a user
+// can change, both numbered as the keys number them.
 FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterImage& base,
                 const Typed& typed) {
     test::TempDir project;  // the I/O assignment takes the run's working file first
@@ -156,8 +154,7 @@ FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterIma
     }
     driver.Run([&] { OpenDialog(page.Form(), state); });
     for (int number : messages.Numbers()) run.messages.insert(number);
-    run.image = state.image;
-    const uint8_t flag = run.image[kIoAssignedFlagAt];
+    const uint8_t flag = (run.image = state.image)[kIoAssignedFlagAt];
     SetCheckSum(run.image, cpu, flag != 0xFF && flag != base[kIoAssignedFlagAt]);
     return run;
 }
@@ -167,9 +164,8 @@ FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterIma
 Typed Batch(headless::Page& page, const ParameterImage& image, const std::set<std::string>& done) {
     Typed batch;
     ParameterImage last = image;
-    const auto taken = [&](const Typed& more) {
-        Typed all = batch;
-        all.insert(all.end(), more.begin(), more.end());
+    const auto taken = [&](Typed all) {  // the batch and all, if the dialog takes them
+        all.insert(all.begin(), batch.begin(), batch.end());
         ParameterImage opened = image;
         if (!TypeAll(page, opened, all)) return false;
         page.Write(opened);
@@ -183,9 +179,8 @@ Typed Batch(headless::Page& page, const ParameterImage& image, const std::set<st
         TypeAll(page, opened, batch);
         const std::vector<FieldRef> fields = KeysOf(page);
         for (size_t i = 0; i < fields.size(); ++i) {
-            const auto key = [](const auto& t) { return t.first.key; };
-            if (done.count(fields[i].key) || std::ranges::count(batch, fields[i].key, key))
-                continue;
+            const auto same = [&](const auto& t) { return t.first.key == fields[i].key; };
+            if (done.count(fields[i].key) || std::ranges::any_of(batch, same)) continue;
             const auto values =
                 Candidates(fields[i], int(i), i ? headless::Page::ValueOf(fields[i - 1]) : "");
             bool ok = std::ranges::any_of(values, [&](auto& v) { return taken({{fields[i], v}}); });

@@ -96,16 +96,11 @@ TEST(frmMemory, TabAndEnterWalkTheShownFieldsCancelAndClearAsk) {
 TEST(frmMemory, CaptionsPerCpuType) {
     // clang-format off
     const struct { const char* cpu; const char* sequence; const char* main; } cases[] = {
-        {"A0J", "Sequence", ""},
-        {"A1S", "Sequence (1 -- 8)", "Main"},
-        {"A1 ", "Sequence (1 -- 6)", "Main"},
-        {"A2 ", "Sequence (1 -- 14)", "Main"},
-        {"A3H", "Sequence (1 -- 30)", "Main"},
-        {"A2A", "Sequence (1 -- 14)", "Main"},
-        {"A3A", "Sequence (1 -- 30)", "Main"},
-        {"A2U", "Sequence (1 -- 14)", "Main (Max14)"},
-        {"A4U", "Sequence (1 -- 30)", "Main (Max30)"},
-        {"A9 ", "", ""},
+        {"A0J", "Sequence", ""}, {"A1S", "Sequence (1 -- 8)", "Main"},
+        {"A1 ", "Sequence (1 -- 6)", "Main"}, {"A2 ", "Sequence (1 -- 14)", "Main"},
+        {"A3H", "Sequence (1 -- 30)", "Main"}, {"A2A", "Sequence (1 -- 14)", "Main"},
+        {"A3A", "Sequence (1 -- 30)", "Main"}, {"A2U", "Sequence (1 -- 14)", "Main (Max14)"},
+        {"A4U", "Sequence (1 -- 30)", "Main (Max30)"}, {"A9 ", "", ""},
     };
     // clang-format on
     for (const auto& c : cases) {
