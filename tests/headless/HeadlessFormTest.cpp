@@ -1,4 +1,4 @@
-#include <QRadioButton>
+#include <QDialog>
 #include <algorithm>
 #include <map>
 #include <random>
@@ -122,7 +122,7 @@ FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterIma
             run.shown.insert(name);
             const auto* box = qobject_cast<QLineEdit*>(w);
             if (w->isEnabled() && ((box && !box->isReadOnly()) || qobject_cast<QCheckBox*>(w) ||
-                                   qobject_cast<QRadioButton*>(w) || qobject_cast<QComboBox*>(w)))
+                                   w->inherits("QRadioButton") || qobject_cast<QComboBox*>(w)))
                 run.inputs.insert(name);
         }
     };
@@ -141,7 +141,7 @@ FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterIma
             if (control != nullptr && control->window() == dialog && HasErrorColor(control))
                 run.painted.insert(page.KeyOfControl(ControlNameOf(c).control));
         }
-        if (dialog->isVisible()) test::PressKey(test::Child(dialog, "Cancel"), Qt::Key_Return);
+        if (dialog->isVisible()) qobject_cast<QDialog*>(dialog)->done(QDialog::Rejected);
     });
     if (io) {
         driver.On("frmTypeNameSet", [&](QWidget* names) {
