@@ -112,7 +112,7 @@ FormRun RunForm(const std::string& cpu, headless::Page& page, const ParameterIma
         };
         for (const auto& [field, value] : typed) {
             const QString name = QString::fromStdString(field.control);
-            const int n = name.section('(', 1).chopped(1).toInt();
+            const int n = name.section('(', 1).section(')', 0, 0).toInt();
             if (!io || (name.startsWith(stem) && n >= first && n < first + count))
                 TypeInto(dialog, field, value, local(name, -first));
         }
