@@ -283,7 +283,8 @@ class InterruptCounterPage : public Page {
     std::vector<FieldRef> Fields() override {
         std::vector<FieldRef> fields;
         for (int k = 0; k < kInterruptCounters; ++k) {
-            fields.push_back(Flag("interrupt." + PointerFlagCaption(k), "", f_.PointerFlag[k]));
+            fields.push_back(Flag("interrupt." + PointerFlagCaption(k), Indexed("PointerFlag", k),
+                                  f_.PointerFlag[k]));
         }
         return fields;
     }
@@ -311,11 +312,13 @@ class IOLayoutPage : public Page {
         fields.reserve(kSlotCount + kNamedSlotCount);
         for (int n = 0; n < kSlotCount; ++n) {
             const std::string slot = "io.slot." + std::to_string(n);
-            // No control of this dialog has a global number: its check names none.
-            fields.push_back(Text(slot, "", f_.codes[n], Cleaning::Page, n));
+            // Numbered across the pages (box N % 64 of page N / 64, and the model name in row
+            // N % 8 of the model-name page N / 8); no control of these dialogs has a global
+            // number, so their checks name none.
+            fields.push_back(Text(slot, Indexed("Text1", n), f_.codes[n], Cleaning::Page, n));
             if (n < kNamedSlotCount) {
-                fields.push_back(
-                    Text(slot + ".model", "", f_.names[n], Cleaning::Page, kSlotCount + n));
+                fields.push_back(Text(slot + ".model", Indexed("Combo1", n), f_.names[n],
+                                      Cleaning::Page, kSlotCount + n));
             }
         }
         return fields;

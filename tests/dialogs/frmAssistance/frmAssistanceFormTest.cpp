@@ -28,12 +28,8 @@ TEST(frmAssistance, ControlsPerTypeAndOkWithoutEditInItAndItsFollowOnChangeNoByt
         Assistance f(cpu);
         EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
         EXPECT_EQ(test::Focused(), "StepRelayFlag");
-        EXPECT_EQ(
-            (std::vector<bool>{f->Text1[1]->isVisible(), f->Text3->isVisible(),
-                               f->XYControl[3]->isVisible(), f->CommentFlag->isVisible(),
-                               f->EndManageFlag->isVisible(), f->AssistMenuItem->isVisible()}),
-            (std::vector<bool>{layout.extended, layout.watchdog, layout.xyControl, layout.comment,
-                               layout.endManage, !layout.followOn.empty()}));
+        EXPECT_TRUE(f->Text1[0]->alignment() & f->Text2[1]->alignment() & Qt::AlignRight);
+        EXPECT_EQ(f->AssistMenuItem->isVisible(), !layout.followOn.empty());
         test::ModalDriver driver;
         driver.On(QString::fromStdString(layout.followOn), [](QWidget* followOn) {
             EXPECT_FALSE(followOn->windowTitle().isEmpty());

@@ -59,6 +59,7 @@ TEST(LatchFields, TimerAndCounterRowsFollowThePartitionInTheImage) {
         {"A3U", {{2304, 1024}, {200, 100}, {202, 512}}, {kNone, {512, 1023}}, 8},  // T100 is no second block
         // An erased kind is skipped; an erased first kind, or one out of order, has no timers.
         {"A3 ", {{194, 65535}, {196, 100}}, {{0, 99}, kNone, {100, 255}}, 2},
+        {"A3 ", {{194, 255}}, {{0, 254}, {255, 255}, kNone}, 2},  // a kind of one timer
         {"A2 ", {{192, 65535}, {194, 50}}, {kNone, {50, 255}}, 2},
         {"A1S", {{192, 100}, {194, 50}}, {kNone, {50, 255}}, 2},
         {"A2A", {{210, 128}, {214, 64}}, {{0, 127}, kNone, kNone, {0, 63}}, 2},  // points end the block

@@ -157,7 +157,7 @@ TEST(TimerCounterDefaults, ClearValuesPerGroup) {
 TEST(TimerCounterValidate, EachRuleWithItsMessageAndControl) {
     const std::string d512 = "Text1(0)=512 Combo1=D Text1(7)=0 ";
     const struct { const char* cpu; std::string edits; const char* recorded; } cases[] = {
-        {"A3A", "", ""}, {"A3A", "Text1(0)=", "2:33"}, {"A3A", "Text1(0)=2064", "3:33"},
+        {"A3A", "", ""}, {"A3A", "Text1(0)=", "2:33"}, {"A3A", "Text1(0)=2064 Text1(6)=2048", "3:33 11:39"},
         {"A2U", "Text1(0)=200", "11:33"}, {"A3A", "Text2(0)=", "2:41"},
         {"A3U", "Text2(0)=1040", "3:41"}, {"A3U", "Text2(0)=24", "11:41"},
         // T0-255: each kind 8 above the one before, below the next; any may be left out, but
