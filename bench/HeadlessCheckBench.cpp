@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // rkparam check in one process: every dialog's check, the menu's OK and the check bytes, over
 // 10,000 images of all thirteen CPU types (default images with random changes in the settings
 // words, most of which some dialog refuses).

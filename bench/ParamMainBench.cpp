@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One run of the parameter mode through the C interface, driven as a person would: the
 // project is loaded, the menu is shown, End presses OK, the parameters are saved and the
 // working files removed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A pipeline's check of a whole plant, as `rkparam check --recursive DIR` makes it in one
 // process: a generated tree of 10,000 projects of all thirteen CPU types (100 areas of 100
 // lines, every tenth with a byte outside the fields, every seventh with programs), found, read

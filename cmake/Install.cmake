@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # What "cmake --install" lays out, in three components that CPack makes into three Debian
 # packages (scripts/package):
 #   library      libgantrixa0j1     the shared library and the workbook templates

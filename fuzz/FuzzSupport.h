@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the fuzz targets share: the CPU type an input picks, its default image, and the
 // oracle every saved image must pass.

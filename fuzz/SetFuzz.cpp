@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // set: the first byte picks the CPU type, each further line is one KEY=VALUE typed into a
 // new project of that type. Whatever is typed, set either refuses it or gives an image that
 // passes every check and whose text form reads back to it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The text form's reader and import: the first byte picks the CPU type, the rest is the text
 // imported into a new project of that type. Whatever the text, import either refuses it or
 // gives an image that passes every check and whose text form reads back to it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // check of one project, of several, or of every project under a directory, printed as text,
 // JSON or JUnit XML.
 //

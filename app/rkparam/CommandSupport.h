@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What the subcommands without a display share: their options, refusals, exit statuses and the
 // way they name projects and print what they found.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The subcommands that read, check and change a project's parameters without a display:
 // show, check, set, diff, export and import.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The subcommands for pipelines and version control: check of many projects in one call, the
 // three-way merge, and git's merge and diff drivers with their set-up.

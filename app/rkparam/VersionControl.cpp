@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Parameter files under version control: the three-way merge, git's merge driver and diff
 // command, and the set-up that names them in a repository.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // rkparam: the host program of the parameter mode. It plays the part of the ladder tool:
 // makes projects, and runs the parameter mode on one through the component's C interface.
 // Without a display, its subcommands show, check, set, diff, export and import work on the

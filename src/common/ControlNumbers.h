@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Global control numbers: one number for each input control of the dialogs that collect
 // their errors before reporting them, so that the error tables can name controls.

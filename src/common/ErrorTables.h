@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The tables in which a dialog's check collects what it has to report: which messages, and
 // for each message which controls (by global control number) caused it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Key filters and text clean-up shared by the dialogs' input fields.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The numbered message boxes of the component and the one routine that shows them.
 

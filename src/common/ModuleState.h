@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The state of the parameter mode that lives from one call of the entry to the next. The
 // entry uses one process-wide instance (hosts expect one image per process); forms get it

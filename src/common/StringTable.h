@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The component's one string table: every text a window or message box shows, in English.
 //
 // Ids 2190 and 2298..2343 are fixed: hosts and the message numbers rely on them. Every other

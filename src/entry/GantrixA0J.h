@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* The parameter mode's interface for host programs. C linkage, UTF-8 strings.
  *
  * A host creates an RKParam, sets its eight properties, registers its window procedure for

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The component's one class: the host sets the eight properties and calls Param_main, which
 // runs the whole parameter mode modally and says whether the parameters were saved.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameters of a project without a display: shown, checked, set, compared, exported and
 // imported through the dialogs' pure halves (headless/Page.h), so that a field's rule lives

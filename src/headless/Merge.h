@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A three-way merge of parameter images for version control: two people who change different
 // settings of one project on two branches get both changes, field by field.

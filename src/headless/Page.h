@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One settings dialog without its form: the dialog's fields under stable keys, read from an
 // image, typed into as a user types, checked and written through the dialog's pure half.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pages of the ten dialogs: each lists the fields its dialog shows under their keys and
 // runs the dialog's own Read, Validate and Write. The key scheme is documented in
 // docs/parameter-keys.md.

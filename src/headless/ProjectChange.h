@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A change of a project's parameters without a display, as set and import make it: under the
 // project's hold (headless/Headless.h for what is refused), saved as a run saves.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The check of projects on disk, many in one process: a pipeline checks every project of a
 // plant in one call. What depends on the CPU type alone (the device sizes the host libraries

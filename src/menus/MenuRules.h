@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameter menu's checks and fixed bytes, without the form.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The network menu's rules without the form: which MORNET mode the stored network data
 // follow, whether a requested mode may be edited on them, and the clearing of the network

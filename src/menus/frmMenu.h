@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameter menu: the first and last window of a run. Its items open the settings
 // dialogs; OK checks the END positions and the total memory and asks the entry call to save,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The network/link menu of the "A2A" and "A3A": the user picks the MORNET mode the network
 // parameters follow, and OK starts their editing in that mode's network workbook. When the

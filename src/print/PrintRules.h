@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The spreadsheet hand-over: the network workbooks that edit the network block, the parameter
 // workbook that prints every parameter. Each copies a workbook template from the component's

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The network workbooks' view of the working parameter file: this component does not know
 // the field layout of the network block, so the workbooks show and edit its bytes.

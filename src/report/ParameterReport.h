@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameter report of the parameter workbook: every setting of a parameter image as the
 // settings dialogs show it, one sheet per dialog of the parameter menu. Each value comes from

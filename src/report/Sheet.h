@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A sheet of the spreadsheet application as rows of text cells. The kind of a row says how it
 // is shown, printed and exported: a title over a table, the table's column headings, its

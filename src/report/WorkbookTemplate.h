@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The workbook files of the spreadsheet application: small text files that say which kind of
 // workbook they are and which sheets they have (docs/spreadsheet-workbooks.md).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Saving sheets as a spreadsheet file (.xlsx, Office Open XML) that any spreadsheet program
 // opens: one worksheet per sheet, titles and headings in bold, whole numbers as numbers.

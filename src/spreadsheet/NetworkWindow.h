@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A network workbook's window: the network block and the link data of the working parameter
 // file "param.$$$" as tables of bytes (report/NetworkBytes.h), editable; Save writes the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameter workbook's window: the parameter report (report/ParameterReport.h), one tab
 // per sheet, which the user prints (print preview and print dialog, PDF included) and saves

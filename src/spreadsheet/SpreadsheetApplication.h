@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The spreadsheet application behind "excel.application": the automation model of
 // platform/excel implemented by windows of this library. Its workbooks are the template files

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The window of an open workbook ("frmSpreadsheet"). It is owned by the window that is modal
 // when the workbook opens, so that the user can work in it while that window waits in its

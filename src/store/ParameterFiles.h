@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The parameter files of a project and the host-library calls that load and default them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The 3072-byte parameter image, laid out as the PLC stores it, and its 16-bit word access.
 //

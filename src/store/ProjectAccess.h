@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The one way into a project, for the run and for every command: where its parameter file
 // is, the hold a writer takes on it, the checked load and the safe save.

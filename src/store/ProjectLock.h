@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A run's hold on its project. A second run on the same project (from this process or
 // another) would delete the first run's working files or overwrite its save, so it is

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A runtime error of the component: a number and a description. Event handlers catch it and
 // end in ErrorExit; the entry call lets it reach the host.

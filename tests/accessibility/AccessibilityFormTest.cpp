@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // In every window a run opens, for every CPU type, each field shown has an accessible name of
 // its own, and a label that names a field names one shown beside it.
 

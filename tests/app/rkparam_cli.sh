@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # The host program's command line: project creation, refusals and exit statuses.
 set -u
 rkparam="$1"

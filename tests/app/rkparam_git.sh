@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Parameter files under version control: rkparam git-setup, git merge through the merge
 # driver, git diff through the diff command, merge's refusals, and check for pipelines (several
 # projects, --recursive, JUnit read back by xmllint).

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // OK runs of the parameter mode with each file call failing in turn, or SIGKILLed at it, and
 // two runs at once. The program is its own child: "--fault-child DIR [READY GO]" makes one OK
 // run (waiting at the menu for GO when given), exiting 0 when saved; its plan is in its env.

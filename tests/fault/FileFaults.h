@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Fault injection over the C library's file calls (linked in, or under LD_PRELOAD): calls on
 // paths under the armed directory, and on descriptors and DIR streams opened there, are

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A host program as a user of the installed library writes one: its own QApplication, the
 // parameter mode through the C interface on the project named on the command line, and a
 // timer that ends the parameter menu with End, as a person does.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs the build into a temporary prefix, as "cmake --install" lays it out, and uses it as a
 # host program's developer would: the installed rkparam makes a project, a small Qt host is
 # compiled against the installed header and library through pkg-config and runs the parameter

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Seeded random sessions of the parameter mode through the C interface, each run checked:
 // nothing saved leaves "param.tmp" and the change flag alone, a save sets the flag, no working
 // file stays, a saved file walked through every dialog with OK and no edit keeps every byte, a

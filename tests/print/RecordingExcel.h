@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A spreadsheet registered as "excel.application" while it lives: it logs calls and message
 // boxes in order, opens existing files as books of one sheet "TEMP", and throws on calls

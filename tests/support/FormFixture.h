@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A form opened as the menu opens it during a run, and what a person checks on it.
 

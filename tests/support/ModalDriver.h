@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Drives nested modal windows in order: each step waits for its window to be the active
 // modal widget, then acts on it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // One run of the parameter mode through the C interface while a ModalDriver acts.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes screenshots of the component's windows for the documentation.
 //
 //   gantrix_screenshots OUTDIR NAME CPU [STEP...]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The settings dialogs' shared flows: OK checks then writes, Cancel asks before dropping
 // edits, Clear puts the defaults into the controls, End acts as OK, the arrow keys and Enter

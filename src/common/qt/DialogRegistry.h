@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The windows the menus open, by name. Each dialog joins when it is built into the
 // component (DialogRegistrar in its own source file); an item whose dialog has not joined

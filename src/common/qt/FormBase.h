@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What every window of the parameter mode does alike: centred on the screen, the host told
 // on every activation, keys seen by the form before its controls (End, arrows, Page Up and

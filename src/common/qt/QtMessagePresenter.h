@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Shows the numbered messages as real QMessageBoxes, modal to the active window, so that a
 // host or a test finds them as the active modal widget.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // A pair of up/down arrows beside a text box, with the semantics of a vertical scroll bar: Min is
 // the value at the top, Max the value at the bottom, and Min may be above Max. The up arrow moves

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Supplementary functions: step relays carved out of the internal relays, the RUN and PAUSE
 // contacts, the output mode at STOP to RUN, the operating mode at four kinds of error, the

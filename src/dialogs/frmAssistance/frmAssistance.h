@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Supplementary Functions" of every CPU type but the smallest: step relays, RUN and PAUSE
 // contacts, output mode, operating mode at error, watchdog and, by CPU type, END batch

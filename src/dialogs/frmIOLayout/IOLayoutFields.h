@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The I/O assignment: one slot code per slot 0..127 and a model name per slot 0..63, their
 // bytes in the parameter image and the check of the host library.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // I/O assignment: the module kind and points of the 128 slots, 64 slots to a page, set by
 // one key per field; opens the model-name dialog for slots 0..63.

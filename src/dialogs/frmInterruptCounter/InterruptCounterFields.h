@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Interrupt counters: counter C(224 + k) counts interrupt I k, k = 0..31, when bit k mod 8 of
 // image byte 188 + k / 8 is 0. A set bit leaves the counter an ordinary one, so an erased

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Interrupt Counter": which of the counters C224..C255 count interrupts I0..I31. Opened
 // from the timer/counter dialog, it keeps its unsaved state apart from that dialog's, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Latch ranges: for each device group, the device numbers whose contents survive a power
 // failure. Row r (0..11) keeps its start number as a word at 16 + 4r and its end number at

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Latch Range Setting: a start and an end device number per device group, each box with a
 // spin button and the group's permitted range beside it. The smallest CPU type takes one of

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // M-NET/MINI auto-refresh: up to eight interface modules, each refreshing CPU devices.
 //

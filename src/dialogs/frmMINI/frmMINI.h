@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "M-NET/MINI Auto-refresh Setting": the refresh of up to eight M-NET/MINI modules, one row
 // of eleven cells per module. The number of modules decides which rows exist: a row comes

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Memory capacity: how the program memory of the PLC is divided (main and sub programs,
 // microcomputer areas, comments, file registers, trace and status-latch work areas), the

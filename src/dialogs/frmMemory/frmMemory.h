@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The memory capacity dialog: program, microcomputer, comment and file-register capacities
 // and the trace/latch work areas, with the total memory recomputed as the user types.

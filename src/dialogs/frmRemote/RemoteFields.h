@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Remote I/O and remote terminal stations of the A2C: the total number of stations on the
 // line, up to fourteen remote terminal entries of four stations each (start station and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Remote I/O, Remote Terminal Setting" of the A2C: the total number of remote stations with
 // its spin button, fourteen remote terminal entries in two halves of seven (start station and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Step relays of the smallest CPU: the end of the latch relay area (word 18, the end of the
 // latch row "L") is 1535 when the relays above it serve as step relays S, otherwise the last

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Supplementary Functions" of the smallest CPU: one check box deciding whether the relays
 // above M1535 serve as step relays.

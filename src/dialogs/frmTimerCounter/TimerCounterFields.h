@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Timer/counter partition: how T is divided into low-speed, high-speed and integration
 // timers, the timer and counter point counts and the word devices holding the set values

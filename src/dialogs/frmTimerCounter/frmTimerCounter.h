@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // "Timer/Counter Setting": the partition of T into low-speed, high-speed and integration
 // timers, the timer and counter points and their set-value devices. Which fields show

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Module model names of the slots 0..63: the 40-symbol alphabet, the packed 6-byte record
 // each name has in the parameter image, the model names offered per slot code, and the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Module model names of slots 0..63, eight slots to a page. It edits the I/O assignment
 // dialog's copy of the slots and writes nothing itself: the I/O assignment saves the names

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The part of the spreadsheet application's automation model that the component uses, as a
 // C++ interface. "excel.application" is resolved through a registry of implementations;

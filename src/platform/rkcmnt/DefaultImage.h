@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // The default parameter image of each CPU type, as RkSetParameter2Default writes it.
 //

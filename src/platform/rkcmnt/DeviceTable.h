@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Device points per CPU type, the one table behind RkGetDeviceMaxSize and RkCheckIoAssign.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // What RkSetupGlobal and RkLoadParameter remember, shared by the stand-in libraries.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Stand-in for the host product's common library. It keeps the call shapes the component
 // was written against (C linkage, NUL-terminated 8-bit buffers, a pointer to byte 0 of the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Stand-in for the host product's parameter-check library (same conventions as rkcmnt.h).
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Stand-in for the two window-message calls the component makes to its host. A host
 // registers a window procedure for its handle; a message to a handle nobody registered is

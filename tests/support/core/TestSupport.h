@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #pragma once
 // Temporary projects, scripted message boxes and module states as a run sets them up.
 
