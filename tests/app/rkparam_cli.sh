@@ -6,14 +6,7 @@ rkparam="$1"
 shim="$2"  # the file-call fault injector, for LD_PRELOAD
 work=$(mktemp -d)
 trap 'chmod -R u+w "$work"; rm -rf "$work"' EXIT
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-expect_status() {  # expected, description, command...
-    local expected=$1 what=$2; shift 2
-    "$@" >"$work/out" 2>"$work/err"
-    local status=$?
-    [ "$status" -eq "$expected" ] || fail "$what: status $status, expected $expected ($(cat "$work/err"))"
-}
+. "$(dirname "$0")/checks.sh"
 
 expect_status 0 "new A3U" "$rkparam" new --cpu A3U "$work/a/b/proj"
 [ "$(stat -c %s "$work/a/b/proj/param.tmp")" = 3072 ] || fail "new writes 3072 bytes"

@@ -7,14 +7,7 @@ set -u
 rkparam=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-failures=0
-fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
-expect_status() {  # expected, description, command...
-    local expected=$1 what=$2; shift 2
-    "$@" >"$work/out" 2>"$work/err"
-    local status=$?
-    [ "$status" -eq "$expected" ] || fail "$what: status $status, expected $expected ($(cat "$work/out" "$work/err"))"
-}
+. "$(dirname "$0")/checks.sh"
 export GIT_CONFIG_NOSYSTEM=1 HOME="$work" GIT_AUTHOR_NAME=t GIT_AUTHOR_EMAIL=t@t \
     GIT_COMMITTER_NAME=t GIT_COMMITTER_EMAIL=t@t
 
