@@ -24,7 +24,8 @@ std::string Shown(const ParameterImage& image, const DialogContext& context,
     return "(none)";
 }
 
-// A side: the base with values typed as set types them, then raw bytes put over it.
+// A side: the base with values typed as set types them, then raw bytes put over it and the
+// check bytes renewed, as a tool that edits the file would leave it.
 struct Edit {
     std::vector<Assignment> set;
     std::vector<std::pair<int, uint8_t>> bytes = {};
@@ -35,7 +36,7 @@ ParameterImage Apply(const ParameterImage& base, const DialogContext& context, c
     EXPECT_TRUE(set.refusals.empty()) << set.refusals.front().text;
     ParameterImage image = set.image;
     for (const auto& [index, value] : edit.bytes) image[index] = value;
-    return image;
+    return Set(image, context, {}).image;
 }
 
 // Each row: a base (the default image with base typed), two sides, and either the values the
@@ -54,8 +55,9 @@ TEST(Merge, FieldByFieldAndByteByByteOrConflictsNamingTheKeyAndTheThreeValues) {
          {{{"assist.run_contact", "1F"}}},
          {{{"mini.modules", "2"}, {"mini.module.2.start_io", "20"}, {"mini.module.2.model", "0"}, {"mini.module.2.stations", "12"}}},
          {{"assist.run_contact", "1F"}, {"mini.module.2.stations", "12"}}, ""},
-        // A byte no field gives, changed on one side; a byte of the network block on the other.
-        {"A3 ", {{}}, {{}, {{3000, 0x42}}}, {{{"assist.watchdog", "40"}}, {{1500, 7}}}, {{"assist.watchdog", "40"}}, ""},
+        // Bytes no field gives (the first, one past the network block) changed on one side; a
+        // byte of the network block on the other.
+        {"A3 ", {{}}, {{}, {{0, 0x12}, {3000, 0x42}}}, {{{"assist.watchdog", "40"}}, {{1500, 7}}}, {{"assist.watchdog", "40"}}, ""},
         {"A3 ", {{}}, {{{"assist.watchdog", "30"}}}, {{{"assist.watchdog", "40"}}}, {},
          "[assist] assist.watchdog: base 20, ours 30, theirs 40\n"},
         {"A3 ", {{}}, {{}, {{3000, 0x42}, {3001, 1}}}, {{}, {{3000, 0x43}, {3001, 2}, {3003, 3}}}, {},
