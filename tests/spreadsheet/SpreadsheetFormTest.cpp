@@ -89,12 +89,13 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_EQ(sheets[6]->Name(), "TEMP");
         EXPECT_EQ(sheets[6]->CellText(1, 1), "Param");
         // Printed, each sheet begins a page of its own, and every page names the project, the
-        // CPU type, the day and its number.
+        // CPU type, the day, its sheet (a sheet's later pages too) and its number.
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(QString::fromStdString(project.File("report.pdf")));
         window->PrintTo(printer);
-        QStringList order = window->PageSheets(printer);
+        const QStringList sheetOf = window->PageSheets(printer);
+        QStringList order = sheetOf;
         order.erase(std::unique(order.begin(), order.end()), order.end());
         EXPECT_EQ(order.join("|").toStdString(),
                   "Memory Capacity Setting|Latch Range Setting|Timer/Counter Setting|I/O "
@@ -104,11 +105,12 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         std::istringstream pdf(std::string(text.begin(), text.end()));
         std::vector<std::string> pages;
         for (std::string page; std::getline(pdf >> std::ws, page, '\f');) pages.push_back(page);
-        ASSERT_EQ(pages.size(), static_cast<std::size_t>(window->PageSheets(printer).size()));
+        ASSERT_EQ(pages.size(), static_cast<std::size_t>(sheetOf.size()));
         const std::string today = QDate::currentDate().toString(Qt::ISODate).toStdString();
         for (std::size_t p = 0; p < pages.size(); ++p)
             for (const std::string& part :
                  {"Project " + project.Path(), std::string("CPU type A3"), "Printed " + today,
+                  sheetOf[static_cast<int>(p)].toStdString(),
                   "page " + std::to_string(p + 1) + " of " + std::to_string(pages.size())})
                 EXPECT_NE(pages[p].find(part), std::string::npos) << p << part;
         EXPECT_NE(pages.front().find("Parameter setting data"), std::string::npos);
@@ -148,6 +150,8 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     EXPECT_FALSE(window->CellOf(1071)->flags() & Qt::ItemIsEditable);
     window->CellOf(1030)->setText("5a");
     EXPECT_TRUE(window->Status->text().startsWith("1 changed byte"));
+    window->layout()->activate();  // the message stands under the byte tables
+    EXPECT_GT(window->Status->geometry().top(), window->Ranges->geometry().bottom());
     window->CellOf(1031)->setText("G");  // refused: the byte keeps its value
     EXPECT_EQ(window->CellOf(1030)->text(), "5A");
     EXPECT_EQ(window->CellOf(1031)->text().toStdString(), ByteText(file[1031]));
