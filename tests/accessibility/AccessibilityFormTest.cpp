@@ -117,7 +117,8 @@ TEST(Accessibility, EveryFieldOfEveryWindowHasItsOwnName) {
         {"A3U frmLatch Text1(0)", "L, start | 0 to 8191"},
         {"A3U frmLatch Text1(3)", "B, end | 0 to 1FFF"},
         {"A3U frmLatch Text1(6)", "T 10ms high speed, start | 200 to 255"},
-        {"A3U frmLatch Text1(16)", "T 100ms low speed, second block, start | "}};
+        {"A3U frmLatch Text1(16)", "T 100ms low speed, second block, start | "},
+        {"A3U frmAssistance Text2(1)", "PAUSE, X | 0 to 7FF"}};
     for (const auto& [field, text] : names)
         EXPECT_EQ(walk.read[field].toStdString(), text) << field;
 }
