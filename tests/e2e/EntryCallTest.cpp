@@ -152,6 +152,7 @@ TEST(EntryCall, AProjectThatCannotBeLoadedWholeOrIsInUseIsRefusedUntouched) {
         {"a FIFO", [](auto&, auto f) { ::unlink(f); ::mkfifo(f, 0644); return nullptr; }, "not a regular file"},
         {"a link to nothing", [](auto&, auto f) { ::unlink(f); [[maybe_unused]] int n = ::symlink("gone", f); return nullptr; }, "No such file"},
         {"in use by another run", [](auto& p, auto) { return std::make_shared<ProjectLock>(p.Path()); }, "in use by another run"},
+        {"program.end a FIFO", [](auto& p, auto) { ::mkfifo(p.File("program.end").c_str(), 0644); return nullptr; }, "program.end"},
     };
     // clang-format on
     // Each refused run comes after a run on another project, whose image the process holds.
