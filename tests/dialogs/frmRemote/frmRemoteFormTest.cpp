@@ -21,6 +21,9 @@ TEST(frmRemote, FreshTableOpensWith64StationsRefusesOverlapsAndCancelKeepsTheIma
     EXPECT_TRUE(f->Text1->text() == "64" && f->OnlineMode[0]->isChecked());
     for (QLineEdit* cell : f->Text2) EXPECT_EQ(cell->text(), "");
     EXPECT_EQ(test::Focused(), "Text1");
+    TypeKeys(f->Text1, "6");  // over the total shown selected: a change of its own
+    EXPECT_TRUE(f->Text1->text() == "6" && f->DataChanged);
+    TypeKeys(f->Text1, "4");
     TypeKeys(f->Text1, "a");      // discarded
     TypeKeys(f->Text2[14], "1");  // a protocol needs a start
     EXPECT_EQ(f->Text1->text() + f->Text2[14]->text(), "64");
