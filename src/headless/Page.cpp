@@ -63,27 +63,6 @@ std::string Page::ValueOf(const FieldRef& field) {
     return *field.text;
 }
 
-bool Page::Assign(const FieldRef& field, const std::string& value) {
-    if (field.flag != nullptr) {
-        const auto flag = FlagValue(value);
-        if (!flag) return false;
-        *field.flag = *flag;
-        return true;
-    }
-    if (field.option != nullptr) {
-        if (value.empty()) {
-            *field.option = -1;
-            return true;
-        }
-        const auto index = OptionIndex(field, value);
-        if (!index) return false;
-        *field.option = *index;
-        return true;
-    }
-    *field.text = value;
-    return true;
-}
-
 std::optional<FieldRef> Page::Find(const std::string& key) {
     for (std::vector<FieldRef> list : {Fields(), Actions()}) {
         for (FieldRef& field : list) {

@@ -71,10 +71,6 @@ class Page {
     // take the text, or nullopt when it took it.
     std::optional<std::string> Type(const FieldRef& field, const std::string& text);
 
-    // Puts value into field exactly as the text form holds it (no clean-up, no rules); the
-    // option captions read back to their index. False when an option value is not one of
-    // the field's.
-    static bool Assign(const FieldRef& field, const std::string& value);
     // The value a field shows.
     static std::string ValueOf(const FieldRef& field);
 
