@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 
+#include "ShownValue.h"
 #include "headless/Page.h"
 #include "platform/rkcmnt/DeviceTable.h"
 #include "store/CheckSum.h"
@@ -27,14 +28,6 @@ bool Has(const std::vector<Violation>& found, const char* dialog, const std::str
     return std::ranges::any_of(found, [&](const Violation& v) {
         return (!dialog || v.dialog == dialog) && v.key == key && v.message == message;
     });
-}
-
-std::string ShownValue(const ParameterImage& image, const DialogContext& context,
-                       const std::string& key) {
-    for (const ShownDialog& dialog : Show(image, context))
-        for (const ShownField& f : dialog.fields)
-            if (f.key == key) return f.value;
-    return "(no such field)";
 }
 
 // The default image with bytes anywhere, and bytes and words of the settings, changed.

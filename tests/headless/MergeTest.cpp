@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ShownValue.h"
 #include "headless/Page.h"
 #include "store/CheckSum.h"
 #include "support/core/TestSupport.h"
@@ -14,14 +15,6 @@ std::string Dump(const std::vector<MergeConflict>& conflicts) {
     std::string text;
     for (const MergeConflict& c : conflicts) text += Describe(c) + "\n";
     return text;
-}
-
-std::string Shown(const ParameterImage& image, const DialogContext& context,
-                  const std::string& key) {
-    for (const ShownDialog& dialog : Show(image, context))
-        for (const ShownField& f : dialog.fields)
-            if (f.key == key) return f.value;
-    return "(none)";
 }
 
 // A side: the base with values typed as set types them, then raw bytes put over it and the
@@ -91,7 +84,7 @@ TEST(Merge, FieldByFieldAndByteByByteOrConflictsNamingTheKeyAndTheThreeValues) {
         if (!outcome.image) continue;
         EXPECT_TRUE(Check(*outcome.image, context).empty());
         for (const auto& [key, value] : c.shown)
-            EXPECT_EQ(Shown(*outcome.image, context, key), value);
+            EXPECT_EQ(ShownValue(*outcome.image, context, key), value);
         for (const auto& edit : {c.ours, c.theirs})
             for (const auto& [index, value] : edit.bytes) EXPECT_EQ((*outcome.image)[index], value);
         // One side unchanged: the other comes back byte for byte.
