@@ -30,7 +30,7 @@ void PressEndWhenTheMenuShows() {
 void BM_ParamMainRunWithOk(benchmark::State& state) {
     gantrix::test::TempProject project("A3U");
     std::string dir = project.Path();
-    RKParam* object = RKParam_Create();
+    ::RKParam* object = RKParam_Create();  // the C handle, not gantrix::RKParam
     RKParam_Let_szPcName(object, "A3U");
     RKParam_Let_ProjectName(object, dir.c_str());
     int16_t result = 0;

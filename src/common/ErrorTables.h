@@ -11,6 +11,11 @@ namespace gantrix {
 inline constexpr int kMaxMessageNo = 30;
 inline constexpr int kMaxControlNo = 200;
 
+// Messages the checks of several dialogs record.
+inline constexpr int kMessageInputAValue = 2;      // a box left empty
+inline constexpr int kMessageOutOfRange = 3;       // a value outside its range
+inline constexpr int kMessageInvalidSetting = 11;  // a value that contradicts another
+
 struct ErrorTables {
     std::array<bool, kMaxMessageNo + 1> ErrorMessageFlags{};
     std::array<std::array<bool, kMaxMessageNo + 1>, kMaxControlNo + 1> ControlErrorFlags{};

@@ -26,7 +26,6 @@ using Pages = std::vector<std::unique_ptr<Page>>;
 constexpr const char* kComputed = "computed";
 constexpr const char* kAsListed = "as listed";
 
-constexpr int kCheckBytes = 525;
 constexpr int kBytesPerLine = 16;
 
 // The page whose keys begin with the page's name and a dot, or nullptr.
@@ -97,7 +96,6 @@ void MenuChecks(const ParameterImage& image, const std::string& cpu, const EndPo
 // Where the check bytes and the network sum lie, and whether an image holds them as its own
 // bytes give them: the text form then says "computed" rather than listing them, so that an
 // edited field gets them right again.
-constexpr int kNetworkSum = 2056;
 bool InSums(int i) {
     return (i >= kCheckBytes && i < kCheckBytes + 3) || (i >= kNetworkSum && i < kNetworkSum + 3);
 }

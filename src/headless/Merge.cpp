@@ -10,9 +10,6 @@
 namespace gantrix::headless {
 namespace {
 
-constexpr int kCheckBytes = 525;
-constexpr int kNetworkSum = 2056;
-
 using Byte = std::optional<uint8_t>;
 
 // One side as its text form gives it.

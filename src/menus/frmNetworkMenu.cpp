@@ -20,7 +20,7 @@
 namespace gantrix {
 namespace {
 
-DialogRegistrar registrar("frmNetworkMenu", [](ModuleState& state) {
+DialogRegistrar frmNetworkMenuRegistrar("frmNetworkMenu", [](ModuleState& state) {
     frmNetworkMenu form(state);
     form.exec();
 });

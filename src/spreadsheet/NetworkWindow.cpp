@@ -15,6 +15,7 @@
 #include <exception>
 #include <stdexcept>
 
+#include "common/qt/FormControls.h"
 #include "report/NetworkBytes.h"
 #include "report/ParameterReport.h"
 #include "spreadsheet/SpreadsheetApplication.h"
@@ -23,10 +24,6 @@
 
 namespace gantrix::spreadsheet {
 namespace {
-
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 const QColor kEdited(0xFF, 0xF0, 0xA0);
 const QColor kFixed(0xE8, 0xE8, 0xE8);

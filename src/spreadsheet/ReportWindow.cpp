@@ -21,6 +21,7 @@
 #include <algorithm>
 #include <exception>
 
+#include "common/qt/FormControls.h"
 #include "report/ParameterReport.h"
 #include "report/XlsxExport.h"
 #include "spreadsheet/SpreadsheetApplication.h"
@@ -28,10 +29,6 @@
 
 namespace gantrix::spreadsheet {
 namespace {
-
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 // A sheet as a read-only grid: titles and notes across the table, headings shaded.
 QTableWidget* SheetTable(const Sheet& sheet, QWidget* parent) {

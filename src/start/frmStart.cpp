@@ -36,10 +36,6 @@ namespace {
 
 const char* const kTitle = "PLC Parameter Mode";
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 void Warn(QWidget* parent, const std::string& text) {
     QMessageBox box(QMessageBox::Warning, kTitle, Q(text), QMessageBox::Ok, parent);
     box.setObjectName("StartMessage");

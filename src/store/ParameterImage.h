@@ -14,7 +14,9 @@
 namespace gantrix {
 
 inline constexpr int kImageSize = 3072;
-inline constexpr int kErased = 65535;  // a word of two 255 bytes: not set
+inline constexpr int kErased = 65535;     // a word of two 255 bytes: not set
+inline constexpr int kCheckBytes = 525;   // the main check bytes, three
+inline constexpr int kNetworkSum = 2056;  // the network sum, three bytes, low first
 
 class ParameterImage {
   public:

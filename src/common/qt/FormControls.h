@@ -4,12 +4,17 @@
 
 #include <QString>
 #include <initializer_list>
+#include <string>
 
 class QKeyEvent;
 class QLineEdit;
 class QWidget;
 
 namespace gantrix {
+
+inline QString Q(const std::string& text) {
+    return QString::fromStdString(text);
+}
 
 // The string table's text of id, for a caption.
 QString ResText(int id);

@@ -30,10 +30,6 @@ constexpr int kErrorCaptions[4] = {ids::FuseBlown, ids::OperationError, ids::IoM
 constexpr int kXYCaptions[4] = {ids::DirectDirect, ids::RefreshDirect, ids::DirectRefresh,
                                 ids::RefreshRefresh};
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 int Checked(const QButtonGroup* group) {
     return std::max(group->checkedId(), 0);
 }
@@ -449,7 +445,7 @@ void frmAssistance::Toggle_KeyPress(QWidget* control, int& keyAscii) {
     FocusNextField(control);
 }
 
-static DialogRegistrar registrar("frmAssistance", [](ModuleState& s) {
+static DialogRegistrar frmAssistanceRegistrar("frmAssistance", [](ModuleState& s) {
     frmAssistance form(s);
     form.exec();
 });

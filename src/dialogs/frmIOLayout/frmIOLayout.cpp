@@ -271,7 +271,7 @@ void frmIOLayout::SetDefaultOfIOLayout() {
     FillPage();
 }
 
-static DialogRegistrar registrar("frmIOLayout", [](ModuleState& s) {
+static DialogRegistrar frmIOLayoutRegistrar("frmIOLayout", [](ModuleState& s) {
     frmIOLayout form(s);
     form.exec();
 });

@@ -102,7 +102,7 @@ void frmInterruptCounter::PointerFlag_KeyPress(int k, int& keyAscii) {
     }
 }
 
-static DialogRegistrar registrar("frmInterruptCounter", [](ModuleState& s) {
+static DialogRegistrar frmInterruptCounterRegistrar("frmInterruptCounter", [](ModuleState& s) {
     frmInterruptCounter form(s);
     form.exec();
 });

@@ -234,7 +234,7 @@ void frmLatch::VScroll1_Change(int index) {
         QString::fromStdString(LatchBoxText(VScroll1[index]->Value(), IsHexLatchBox(index))));
 }
 
-static DialogRegistrar registrar("frmLatch", [](ModuleState& s) {
+static DialogRegistrar frmLatchRegistrar("frmLatch", [](ModuleState& s) {
     frmLatch form(s);
     form.exec();
 });

@@ -12,10 +12,6 @@
 namespace gantrix {
 namespace {
 
-constexpr int kInputAValue = 2;
-constexpr int kSettingOutOfRange = 3;
-constexpr int kInvalidSettingData = 11;
-
 constexpr long kSpecialFirst = 9000;  // M9000..M9255 and D9000..D9255
 constexpr long kSpecialLast = 9255;
 
@@ -139,19 +135,19 @@ long DevicePoints(MiniGroup group, char letter, const DialogContext& context, in
 int DeviceMessage(int field, const std::string& text, MiniGroup group, const DialogContext& context,
                   int rPoints) {
     const char letter = text[0];
-    if (FieldLetters(field).find(letter) == std::string_view::npos) return kInvalidSettingData;
+    if (FieldLetters(field).find(letter) == std::string_view::npos) return kMessageInvalidSetting;
     std::string number = text.substr(1);
     if (!(IsHexLetter(letter) ? IsHexOfMINI(number) : IsDigitOfMINI(number))) {
-        return kInvalidSettingData;
+        return kMessageInvalidSetting;
     }
     const long n = DeviceNumberValue(letter, number);
     const bool special =
         (letter == 'M' || letter == 'D') && n >= kSpecialFirst && n <= kSpecialLast;
     if (!special && n > DevicePoints(group, letter, context, rPoints) - 1)
-        return kSettingOutOfRange;
+        return kMessageOutOfRange;
     if (IsBitLetter(letter)) {
         // The special relays are refreshed in blocks of 16 from M9000.
-        if (n % 16 != (special ? kSpecialFirst % 16 : 0)) return kInvalidSettingData;
+        if (n % 16 != (special ? kSpecialFirst % 16 : 0)) return kMessageInvalidSetting;
     }
     return 0;
 }
@@ -161,12 +157,12 @@ bool CheckMINIRange(ErrorTables& errors, int control, const std::string& text, l
                     long high) {
     if (errors.ControlHasError(control)) return true;
     if (Trim(text).empty()) {
-        errors.Record(kInputAValue, control);
+        errors.Record(kMessageInputAValue, control);
         return false;
     }
     const long value = ValueOf(text);
     if (value < low || value > high) {
-        errors.Record(kSettingOutOfRange, control);
+        errors.Record(kMessageOutOfRange, control);
         return false;
     }
     return true;
@@ -190,7 +186,7 @@ void ValidateRow(ErrorTables& errors, const std::string* row, int k, MiniGroup g
     const auto filled = [row](int field) { return !Trim(row[field]).empty(); };
     const auto needed = [&](int field) {
         if (filled(field)) return true;
-        errors.Record(kInputAValue, no(field));
+        errors.Record(kMessageInputAValue, no(field));
         return false;
     };
     const auto oneOf = [&](int field, std::initializer_list<const std::string*> allowed) {
@@ -198,20 +194,21 @@ void ValidateRow(ErrorTables& errors, const std::string* row, int k, MiniGroup g
         for (const std::string* name : allowed) {
             if (row[field] == *name) return;
         }
-        errors.Record(kInvalidSettingData, no(field));
+        errors.Record(kMessageInvalidSetting, no(field));
     };
 
     if (needed(kStartIo)) {
         const long value = HexNumberValue(row[kStartIo]);
         if (value > StartIoLimit(context)) {
-            errors.Record(kSettingOutOfRange, no(kStartIo));
+            errors.Record(kMessageOutOfRange, no(kStartIo));
         } else if (value % 16 != 0) {
-            errors.Record(kInvalidSettingData, no(kStartIo));
+            errors.Record(kMessageInvalidSetting, no(kStartIo));
         }
     }
     oneOf(kModel, {&names.mini, &names.miniS3});
     if (row[kModel] == names.miniS3) {
-        if (row[kStations] != names.noStations) errors.Record(kInvalidSettingData, no(kStations));
+        if (row[kStations] != names.noStations)
+            errors.Record(kMessageInvalidSetting, no(kStations));
     } else if (row[kModel] == names.mini && needed(kStations)) {
         CheckMINIRange(errors, no(kStations), row[kStations], 1, 64);
     }

@@ -24,10 +24,6 @@
 namespace gantrix {
 namespace {
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 // The widest text each field shows, for its cell's width.
 constexpr const char* kWidestText[kMiniFieldsPerRow] = {
     "FFF0", "MINI-S3", "------", "W1FFF", "W1FFF", "32", "Link", "Clear", "W1FFF", "W1FFF", "Hold"};
@@ -387,7 +383,7 @@ bool frmMINI::eventFilter(QObject* watched, QEvent* event) {
     return DialogBase::eventFilter(watched, event);
 }
 
-static DialogRegistrar registrar("frmMINI", [](ModuleState& s) {
+static DialogRegistrar frmMINIRegistrar("frmMINI", [](ModuleState& s) {
     frmMINI form(s);
     form.exec();
 });

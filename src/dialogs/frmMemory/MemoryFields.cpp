@@ -14,9 +14,6 @@ namespace gantrix {
 namespace {
 
 constexpr const char* kForm = "frmMemory";
-constexpr int kMessageInputAValue = 2;
-constexpr int kMessageOutOfRange = 3;
-constexpr int kMessageInvalidSetting = 11;
 constexpr int kMessageSubprogramZero = 13;
 
 // The groups this dialog branches on.

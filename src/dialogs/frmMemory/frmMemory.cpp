@@ -520,7 +520,7 @@ void frmMemory::Flag_KeyPress(QCheckBox* box, int& keyAscii) {
     }
 }
 
-static DialogRegistrar registrar("frmMemory", [](ModuleState& s) {
+static DialogRegistrar frmMemoryRegistrar("frmMemory", [](ModuleState& s) {
     frmMemory form(s);
     form.exec();
 });

@@ -10,18 +10,15 @@
 namespace gantrix {
 namespace {
 
-constexpr int kInputAValue = 2;
-constexpr int kOutOfRange = 3;
-constexpr int kInvalidSettingData = 11;
 constexpr uint8_t kErasedByte = 255;
 constexpr int kLowestTotal = 1;
 constexpr int kHighestTotal = 64;
 
-int Text1No() {
+int TotalBoxNo() {
     return GetControlNo("frmRemote", "Text1");
 }
 
-int Text2No(int index) {
+int StationBoxNo(int index) {
     return GetControlNo("frmRemote", "Text2(" + std::to_string(index) + ")");
 }
 
@@ -29,12 +26,12 @@ int Text2No(int index) {
 bool CheckRemoteRange(ErrorTables& errors, const std::string& text, int control, long low,
                       long high) {
     if (text.empty()) {
-        errors.Record(kInputAValue, control);
+        errors.Record(kMessageInputAValue, control);
         return false;
     }
     const long value = ValueOf(text);
     if (value < low || value > high) {
-        errors.Record(kOutOfRange, control);
+        errors.Record(kMessageOutOfRange, control);
         return false;
     }
     return true;
@@ -74,7 +71,7 @@ RemoteFields ReadRemote(const ParameterImage& image) {
 
 ErrorTables ValidateRemote(const RemoteFields& f) {
     ErrorTables errors;
-    CheckRemoteRange(errors, f.Text1, Text1No(), kLowestTotal, kHighestTotal);
+    CheckRemoteRange(errors, f.Text1, TotalBoxNo(), kLowestTotal, kHighestTotal);
 
     // Each entry takes four stations from its start, all within the total.
     const long total = ValueOf(f.Text1);
@@ -82,7 +79,7 @@ ErrorTables ValidateRemote(const RemoteFields& f) {
         if (f.Text2[e].empty()) continue;
         const long start = ValueOf(f.Text2[e]);
         if (start < 1 || start > total - (kStationsPerEntry - 1)) {
-            errors.Record(kInvalidSettingData, Text2No(e));
+            errors.Record(kMessageInvalidSetting, StationBoxNo(e));
         }
     }
 
@@ -95,8 +92,9 @@ ErrorTables ValidateRemote(const RemoteFields& f) {
             if (std::labs(ValueOf(f.Text2[i]) - ValueOf(f.Text2[j])) >= kStationsPerEntry) {
                 continue;
             }
-            if (errors.ControlHasError(Text2No(i)) || errors.ControlHasError(Text2No(j))) continue;
-            errors.Record(kInvalidSettingData, Text2No(j));
+            if (errors.ControlHasError(StationBoxNo(i)) || errors.ControlHasError(StationBoxNo(j)))
+                continue;
+            errors.Record(kMessageInvalidSetting, StationBoxNo(j));
         }
     }
 
@@ -106,7 +104,7 @@ ErrorTables ValidateRemote(const RemoteFields& f) {
         const bool known =
             protocol.empty() || protocol == MiniStandardName() || protocol == NonProcedureName();
         if (!known || start.empty() != protocol.empty()) {
-            errors.Record(kInvalidSettingData, Text2No(e + kRemoteEntries));
+            errors.Record(kMessageInvalidSetting, StationBoxNo(e + kRemoteEntries));
         }
     }
     return errors;

@@ -24,10 +24,6 @@ namespace {
 constexpr int kRows = 7;  // entries per half of the station table
 constexpr int kDigits = 2;
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 }  // namespace
 
 frmRemote::frmRemote(ModuleState& state) : DialogBase(state, "frmRemote") {
@@ -363,7 +359,7 @@ void frmRemote::ProtocolCell_KeyPress(int e, int& keyAscii) {
     if (keyAscii == 8 || keyAscii >= 32) keyAscii = 0;
 }
 
-static DialogRegistrar registrar("frmRemote", [](ModuleState& s) {
+static DialogRegistrar frmRemoteRegistrar("frmRemote", [](ModuleState& s) {
     frmRemote form(s);
     form.exec();
 });

@@ -49,7 +49,7 @@ void frmStepRelay::SaveStepRelaySettings() {
     WriteStepRelay({StepRelayFlag->isChecked()}, State().image, ContextOf(State()));
 }
 
-static DialogRegistrar registrar("frmStepRelay", [](ModuleState& s) {
+static DialogRegistrar frmStepRelayRegistrar("frmStepRelay", [](ModuleState& s) {
     frmStepRelay form(s);
     form.exec();
 });

@@ -10,10 +10,7 @@
 namespace gantrix {
 namespace {
 
-constexpr int kInputAValue = 2;
-constexpr int kSettingOutOfRange = 3;
 constexpr int kDeviceNoOutOfRange = 7;
-constexpr int kInvalidSettingData = 11;
 
 // Boundary words of the two timer blocks, low speed, high speed, integration.
 constexpr int kLowBlockWords[3] = {192, 194, 196};
@@ -130,15 +127,15 @@ bool CheckDevice(ErrorTables& errors, const std::string& letter, const std::stri
                  int comboNo, int startNo, const DialogContext& context, long& start) {
     if (!IsDeviceLetter(letter)) {
         if (!letter.empty()) {
-            errors.Record(kInvalidSettingData, comboNo);
+            errors.Record(kMessageInvalidSetting, comboNo);
         } else if (!startText.empty()) {
             // A start number means nothing without its device.
-            errors.Record(kInputAValue, comboNo);
+            errors.Record(kMessageInputAValue, comboNo);
         }
         return false;
     }
     if (startText.empty()) {
-        errors.Record(kInputAValue, startNo);
+        errors.Record(kMessageInputAValue, startNo);
         return false;
     }
     start = StartNumberOf(letter, startText);
@@ -153,11 +150,11 @@ void CheckPointsWithDevice(ErrorTables& errors, long points, bool pointsValid,
                            const DialogContext& context) {
     if (!pointsValid || points <= kPointsWithoutDevice) return;
     if (!IsDeviceLetter(letter)) {
-        if (letter.empty()) errors.Record(kInvalidSettingData, pointsNo);
+        if (letter.empty()) errors.Record(kMessageInvalidSetting, pointsNo);
         return;
     }
     if (deviceValid && start + (points - kPointsWithoutDevice) > DeviceSizeOf(context, letter)) {
-        errors.Record(kInvalidSettingData, pointsNo);
+        errors.Record(kMessageInvalidSetting, pointsNo);
     }
 }
 
@@ -196,16 +193,17 @@ namespace {
 // Device codes of the set-value devices, 65535 being no device:
 //   ExtendedA: W 4096..8191, D 8192..14335, R 16384 and above
 //   ExtendedU: W 5120..13311, D 13312..21503, R 32768 and above
-struct CodeRange {
+struct SetValueRange {
     const char* letter;
     long base;
     long last;
 };
-constexpr CodeRange kRangesA[] = {{"W", 4096, 8191}, {"D", 8192, 14335}, {"R", 16384, kErased - 1}};
-constexpr CodeRange kRangesU[] = {
+constexpr SetValueRange kRangesA[] = {
+    {"W", 4096, 8191}, {"D", 8192, 14335}, {"R", 16384, kErased - 1}};
+constexpr SetValueRange kRangesU[] = {
     {"W", 5120, 13311}, {"D", 13312, 21503}, {"R", 32768, kErased - 1}};
 
-const CodeRange* RangesOf(TimerGroup group) {
+const SetValueRange* RangesOf(TimerGroup group) {
     if (group == TimerGroup::ExtendedA) return kRangesA;
     if (group == TimerGroup::ExtendedU) return kRangesU;
     return nullptr;
@@ -213,7 +211,7 @@ const CodeRange* RangesOf(TimerGroup group) {
 
 // -1 for no device.
 int DeviceBase(TimerGroup group, const std::string& letter) {
-    const CodeRange* ranges = RangesOf(group);
+    const SetValueRange* ranges = RangesOf(group);
     if (ranges == nullptr) return -1;
     for (int i = 0; i < 3; ++i) {
         if (letter == ranges[i].letter) return static_cast<int>(ranges[i].base);
@@ -227,7 +225,7 @@ struct DeviceStart {
 };
 
 DeviceStart DecodeDeviceCode(TimerGroup group, int code) {
-    const CodeRange* ranges = RangesOf(group);
+    const SetValueRange* ranges = RangesOf(group);
     if (ranges == nullptr || code == kErased) return {};
     for (int i = 0; i < 3; ++i) {
         if (code >= ranges[i].base && code <= ranges[i].last) {
@@ -359,15 +357,15 @@ bool CountCheck(ErrorTables& errors, int control, long value, long lowest, long 
             return false;
         }
         if (value < lowest || value > highest) {
-            errors.Record(kInvalidSettingData, control);
+            errors.Record(kMessageInvalidSetting, control);
             return false;
         }
     } else if (value < lowest || value > highest) {
-        errors.Record(kSettingOutOfRange, control);
+        errors.Record(kMessageOutOfRange, control);
         return false;
     }
     if (value % 16 != 0) {
-        errors.Record(kInvalidSettingData, control);
+        errors.Record(kMessageInvalidSetting, control);
         return false;
     }
     return true;
@@ -381,7 +379,7 @@ bool BoundaryCheck(ErrorTables& errors, int control, long value, long lowest, lo
         return false;
     }
     if (value < lowest || value > highest || value % 8 != 0) {
-        errors.Record(kInvalidSettingData, control);
+        errors.Record(kMessageInvalidSetting, control);
         return false;
     }
     return true;
@@ -414,7 +412,7 @@ ErrorTables ValidateTimerCounter(const TimerCounterFields& f, const DialogContex
     bool timerPointsValid = false;
     if (extended) {
         if (f.Text1[0].empty()) {
-            errors.Record(kInputAValue, Text1No(0));
+            errors.Record(kMessageInputAValue, Text1No(0));
         } else {
             timerPoints = ValueOf(f.Text1[0]);
             timerPointsValid =
@@ -455,7 +453,7 @@ ErrorTables ValidateTimerCounter(const TimerCounterFields& f, const DialogContex
     long counterPoints = 0;
     bool counterPointsValid = false;
     if (f.Text2[0].empty()) {
-        errors.Record(kInputAValue, Text2No(0));
+        errors.Record(kMessageInputAValue, Text2No(0));
     } else {
         counterPoints = ValueOf(f.Text2[0]);
         counterPointsValid =

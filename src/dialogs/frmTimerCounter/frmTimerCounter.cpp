@@ -22,10 +22,6 @@
 namespace gantrix {
 namespace {
 
-QString Q(const std::string& text) {
-    return QString::fromStdString(text);
-}
-
 // Marks controls as being set by code for as long as it lives.
 class Updating {
   public:
@@ -477,7 +473,7 @@ bool frmTimerCounter::eventFilter(QObject* watched, QEvent* event) {
     return DialogBase::eventFilter(watched, event);
 }
 
-static DialogRegistrar registrar("frmTimerCounter", [](ModuleState& s) {
+static DialogRegistrar frmTimerCounterRegistrar("frmTimerCounter", [](ModuleState& s) {
     frmTimerCounter form(s);
     form.exec();
 });

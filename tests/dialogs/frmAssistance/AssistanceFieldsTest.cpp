@@ -10,10 +10,6 @@ namespace {
 
 using Pairs = std::vector<std::pair<int, int>>;  // (index, word) or (byte, value)
 
-DialogContext Ctx(const std::string& cpu) {
-    return ContextOf(test::StateFor(cpu));
-}
-
 ParameterImage ImageWith(const std::string& cpu, const Pairs& words) {
     ParameterImage image = test::DefaultImage(cpu);
     for (const auto& [index, value] : words) image.SetParamWord(value, index);
@@ -42,10 +38,11 @@ TEST(AssistanceContacts, DamagedBytesAreShownRefusedAndKept) {
     for (const auto& c : cases) {
         ParameterImage image = ImageWith("A4U", {{170, 1}, {176, c.word}, {178, c.mask}});
         const ParameterImage stored = image;
-        const AssistanceFields f = ReadAssistance(image, Ctx("A4U"));
-        EXPECT_EQ(f.Text2[0] + " " + test::RecordedErrors(ValidateAssistance(f, image, Ctx("A4U"))),
+        const AssistanceFields f = ReadAssistance(image, test::ContextFor("A4U"));
+        EXPECT_EQ(f.Text2[0] + " " +
+                      test::RecordedErrors(ValidateAssistance(f, image, test::ContextFor("A4U"))),
                   c.shown + " 3:48");
-        WriteAssistance(f, image, Ctx("A4U"));
+        WriteAssistance(f, image, test::ContextFor("A4U"));
         EXPECT_EQ(test::DifferingBytes(image, stored), std::vector<int>{}) << c.shown;
     }
 }
@@ -67,7 +64,7 @@ TEST(AssistanceStepRelays, WordsPerStateOfTheCheckBoxAndBack) {
     // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.start + "-" + c.end);
-        const DialogContext context = Ctx(c.cpu);
+        const DialogContext context = test::ContextFor(c.cpu);
         ParameterImage image = ImageWith(c.cpu, c.before);
         const int word14 = c.word14 < 0 ? image.GetParamWord(14) : c.word14;
         AssistanceFields fields = ReadAssistance(image, context);
@@ -106,9 +103,9 @@ TEST(AssistanceCheck, MessagesAndTheBoxesTheyMark) {
         f.Text1 = {c.start, c.end};
         f.Text2 = {c.run, c.pause};
         f.Text3 = c.wdt;
-        EXPECT_EQ(
-            test::RecordedErrors(ValidateAssistance(f, ImageWith(c.cpu, c.before), Ctx(c.cpu))),
-            c.recorded)
+        EXPECT_EQ(test::RecordedErrors(
+                      ValidateAssistance(f, ImageWith(c.cpu, c.before), test::ContextFor(c.cpu))),
+                  c.recorded)
             << c.cpu << " " << c.start << "-" << c.end << " " << c.run << "/" << c.pause << " "
             << c.wdt;
     }
@@ -125,7 +122,7 @@ TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
     // clang-format on
     for (const auto& c : cases) {
         SCOPED_TRACE(c.cpu);
-        const DialogContext context = Ctx(c.cpu);
+        const DialogContext context = test::ContextFor(c.cpu);
         ParameterImage image = test::DefaultImage(c.cpu);
         AssistanceFields f = ReadAssistance(image, context);
         f.StepRelayFlag = f.CommentFlag = f.EndManageFlag = true;
@@ -165,7 +162,7 @@ TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
     for (int i : {163, 164, 165, 169, 180, 181, 208}) image[i] = 9;
     image[170] = 3;  // no contacts
     image.SetParamWord(32774, 176);
-    EXPECT_EQ(ReadAssistance(image, Ctx("A3H")), AssistanceFields{});
+    EXPECT_EQ(ReadAssistance(image, test::ContextFor("A3H")), AssistanceFields{});
 }
 
 }  // namespace

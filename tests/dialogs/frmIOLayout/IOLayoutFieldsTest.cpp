@@ -10,7 +10,7 @@ namespace {
 
 TEST(IOLayoutFields, TheAssignedFlagFollowsTheSlotsExceptForTheSmallestCpu) {
     for (const char* cpu : {"A0J", "A1S", "A3U"}) {
-        const DialogContext context = ContextOf(test::StateFor(cpu));
+        const DialogContext context = test::ContextFor(cpu);
         ParameterImage image = test::DefaultImage(cpu);
         image[1071] = 0xFF;
         SetIOValue(image, context);
@@ -33,7 +33,7 @@ IOLayoutFields AssignmentOf(int points) {
 TEST(IOLayoutFields, ThePointsAreCheckedAgainstTheCpusRange) {
     for (const auto& [cpu, points] :
          {std::pair{"A1S", 256}, {"A2 ", 512}, {"A2U", 1024}, {"A3 ", 2048}, {"A4U", 4096}}) {
-        const DialogContext context = ContextOf(test::StateFor(cpu));
+        const DialogContext context = test::ContextFor(cpu);
         const ParameterImage image = test::DefaultImage(cpu);
         EXPECT_FALSE(ValidateIOLayout(AssignmentOf(points), image, context).Any()) << cpu;
         const ErrorTables over = ValidateIOLayout(AssignmentOf(points + 16), image, context);

@@ -11,12 +11,8 @@ namespace {
 using Limits = std::vector<std::pair<int, int>>;  // (low, high) per row, (-1, -1) for "--"
 constexpr std::pair<int, int> kNone{-1, -1};
 
-DialogContext ContextFor(const std::string& cpu) {
-    return ContextOf(test::StateFor(cpu));
-}
-
 Limits LimitsOn(const std::string& cpu, const ParameterImage& image) {
-    const LatchLimits limits = LatchRowLimits(image, ContextFor(cpu));
+    const LatchLimits limits = LatchRowLimits(image, test::ContextFor(cpu));
     Limits out;
     for (int r = 0; r < limits.rows; ++r) out.emplace_back(limits.row[r].low, limits.row[r].high);
     return out;
@@ -75,12 +71,12 @@ TEST(LatchFields, TimerAndCounterRowsFollowThePartitionInTheImage) {
 TEST(LatchFields, LoadShowsStartAndEndOfTheLatchedRows) {
     // B 1A0-3FF; an erased end shows as stored; an end without start is no latch; 8 rows only.
     const ParameterImage a3 = DefaultWith("A3 ", {{20, 416}, {22, 1023}, {24, 40}, {26, 65535}, {34, 7}, {48, 10}, {50, 20}});
-    EXPECT_EQ(ReadLatch(a3, ContextFor("A3 ")).Text1, With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {4, "40"}, {5, "65535"}}).Text1);
+    EXPECT_EQ(ReadLatch(a3, test::ContextFor("A3 ")).Text1, With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {4, "40"}, {5, "65535"}}).Text1);
     const ParameterImage a3u = DefaultWith("A3U", {{52, 300}, {54, 400}, {44, 255}, {46, 4096}});
-    EXPECT_EQ(ReadLatch(a3u, ContextFor("A3U")).Text1, With({{0, "1000"}, {1, "2047"}, {14, "FF"}, {15, "1000"}, {18, "300"}, {19, "400"}}).Text1);
+    EXPECT_EQ(ReadLatch(a3u, test::ContextFor("A3U")).Text1, With({{0, "1000"}, {1, "2047"}, {14, "FF"}, {15, "1000"}, {18, "300"}, {19, "400"}}).Text1);
     // The smallest type shows L up to its last M device whatever its step relay word says.
-    EXPECT_EQ(ReadLatch(test::DefaultImage("A0J"), ContextFor("A0J")).Text1, LatchFields{}.Text1);
-    EXPECT_EQ(ReadLatch(DefaultWith("A0J", {{16, 1024}, {18, 1535}}), ContextFor("A0J")).Text1, With({{0, "1024"}, {1, "2047"}}).Text1);
+    EXPECT_EQ(ReadLatch(test::DefaultImage("A0J"), test::ContextFor("A0J")).Text1, LatchFields{}.Text1);
+    EXPECT_EQ(ReadLatch(DefaultWith("A0J", {{16, 1024}, {18, 1535}}), test::ContextFor("A0J")).Text1, With({{0, "1024"}, {1, "2047"}}).Text1);
 }
 
 TEST(LatchFields, EveryCheckRuleWithItsMessageAndControl) {
@@ -98,7 +94,7 @@ TEST(LatchFields, EveryCheckRuleWithItsMessageAndControl) {
         {With({{2, "1A0"}, {3, "400"}}), "7:12"}, {With({{2, "3FF"}, {3, "1A0"}}), "8:12"},
         {With({{14, "0"}, {15, "FFFF"}}), "7:24"},
     };
-    const DialogContext context = ContextFor("A2 ");
+    const DialogContext context = test::ContextFor("A2 ");
     const LatchLimits limits = LatchRowLimits(test::DefaultImage("A2 "), context);
     for (const auto& c : cases) {
         EXPECT_EQ(test::RecordedErrors(ValidateLatch(c.fields, limits, context)), c.expected)
@@ -110,13 +106,13 @@ TEST(LatchFields, WriteStoresEveryBoxOfThePresentRowsAndNothingElse) {
     ParameterImage image = test::DefaultImage("A2 ");
     for (int i = 16; i <= 63; ++i) image[i] = 0x11;
     ParameterImage expected = image;
-    WriteLatch(With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {12, "10"}, {14, "0"}, {15, "3FF"}}), image, ContextFor("A2 "));
+    WriteLatch(With({{0, "1000"}, {1, "2047"}, {2, "1A0"}, {3, "3FF"}, {12, "10"}, {14, "0"}, {15, "3FF"}}), image, test::ContextFor("A2 "));
     const int E = 65535, words[16] = {1000, 2047, 0x1A0, 0x3FF, E, E, E, E, E, E, E, E, 10, E, 0, 0x3FF};
     for (int box = 0; box < 16; ++box) expected.SetParamWord(words[box], 16 + 2 * box);
     // Rows 8..11 and the step relay word 14 belong to the 12-row types only.
     EXPECT_EQ(test::DifferingBytes(image, expected), std::vector<int>{});
     ParameterImage ext = DefaultWith("A3U", {{14, 65535}});
-    WriteLatch(With({{0, "0"}, {1, "8191"}, {22, "256"}, {23, "1023"}}), ext, ContextFor("A3U"));
+    WriteLatch(With({{0, "0"}, {1, "8191"}, {22, "256"}, {23, "1023"}}), ext, test::ContextFor("A3U"));
     EXPECT_EQ(test::DifferingBytes(ext, DefaultWith("A3U", {{16, 0}, {18, 8191}, {60, 256}, {62, 1023}})), std::vector<int>{});
 }
 
@@ -138,7 +134,7 @@ TEST(LatchFields, RowLKeepsTheStepRelayBoundaryItDoesNotSet) {
     for (const auto& c : cases) {
         // A step relay boundary of the 12-row types in word 14 stays too.
         ParameterImage image = DefaultWith(c.cpu, {{16, c.start}, {18, c.end}, {14, 1536}});
-        WriteLatch(c.fields, image, ContextFor(c.cpu));
+        WriteLatch(c.fields, image, test::ContextFor(c.cpu));
         EXPECT_EQ(std::tuple(image.GetParamWord(16), image.GetParamWord(18), image.GetParamWord(14)),
                   std::tuple(c.startAfter, c.endAfter, 1536)) << c.cpu << " " << c.start << " " << c.end;
     }
@@ -146,7 +142,7 @@ TEST(LatchFields, RowLKeepsTheStepRelayBoundaryItDoesNotSet) {
 // clang-format on
 
 TEST(LatchFields, FixedPatternsPassOnTheDefaultA0JImageAndSaveTheirWords) {
-    const DialogContext context = ContextFor("A0J");
+    const DialogContext context = test::ContextFor("A0J");
     const ParameterImage start = test::DefaultImage("A0J");
     const LatchLimits limits = LatchRowLimits(start, context);
     const int E = 65535;  // words 16..46; the end of L stays the step relay word 2047

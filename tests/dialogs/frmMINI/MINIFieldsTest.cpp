@@ -15,10 +15,6 @@ using Bytes = std::vector<uint8_t>;
 
 const Row kGoodRow = {"100", "MINI", "12", "X0", "Y0", "5", "CPU", "Clear", "M0", "D0", "Hold"};
 
-DialogContext ContextFor(const std::string& cpu) {
-    return ContextOf(test::StateFor(cpu));
-}
-
 MINIFields Modules(const std::vector<Row>& rows) {
     MINIFields f;
     f.Text1 = std::to_string(rows.size());
@@ -100,7 +96,7 @@ TEST(MiniChecks, EachCellRule) {
         (c.field < 0 ? f.Text1 : f.Text2[c.field]) = c.text;
         const int control =
             c.field < 0 ? MiniText1No() : MiniText2No(c.marked < 0 ? c.field : c.marked);
-        const ErrorTables errors = ValidateMINI(f, ContextFor(c.cpu), c.rPoints);
+        const ErrorTables errors = ValidateMINI(f, test::ContextFor(c.cpu), c.rPoints);
         EXPECT_EQ(std::ranges::count(errors.ErrorMessageFlags, true), c.message ? 1 : 0);
         EXPECT_EQ(test::RecordedErrors(errors),
                   c.message ? std::to_string(c.message) + ":" + std::to_string(control) : "");
@@ -122,18 +118,18 @@ TEST(MiniRecords, SaveWritesTheAAreaForGroupAAndLoadsBack) {
     const MINIFields f = Modules({kExample, s3});
     ParameterImage expected = test::DefaultImage("A3A");
     ParameterImage image = expected;
-    WriteMINI(f, image, ContextFor("A3A"));
+    WriteMINI(f, image, test::ContextFor("A3A"));
     expected.SetParamWord(2, 534);
     std::copy(kExampleA.begin(), kExampleA.end(), expected.bytes().begin() + 544);
     std::copy(kNewS3.begin(), kNewS3.end(), expected.bytes().begin() + 556);
     EXPECT_EQ(test::DifferingBytes(image, expected), std::vector<int>{});
-    EXPECT_EQ(ReadMINI(image, ContextFor("A3A")), f);
+    EXPECT_EQ(ReadMINI(image, test::ContextFor("A3A")), f);
 }
 
 TEST(MiniRecords, LoadReadsTheGroupsAreaAsTheCellsKeepIt) {
     ParameterImage image = test::DefaultImage("A2U");
     image.SetParamWord(kErased, 2312);
-    EXPECT_EQ(ReadMINI(image, ContextFor("A2U")), DefaultsMINI());  // "0", no rows
+    EXPECT_EQ(ReadMINI(image, test::ContextFor("A2U")), DefaultsMINI());  // "0", no rows
     // The U types read the U area only. A MINI-S3 with 12 stations, retries 63, hold and OFF
     // both set, a receive code in no range, detection M0; then a MINI without stations.
     image.SetParamWord(1, 534);
@@ -142,21 +138,21 @@ TEST(MiniRecords, LoadReadsTheGroupsAreaAsTheCellsKeepIt) {
     std::copy(odd.begin(), odd.end(), image.bytes().begin() + 2322);
     std::copy(kExampleU.begin(), kExampleU.end(), image.bytes().begin() + 2334);
     image[2337] = 0xFF;
-    MINIFields f = ReadMINI(image, ContextFor("A2U"));
+    MINIFields f = ReadMINI(image, test::ContextFor("A2U"));
     EXPECT_EQ(f.Text1, "2");
     EXPECT_EQ(std::vector(f.Text2.begin(), f.Text2.begin() + kMiniFieldsPerRow),
               (std::vector<std::string>{"", "MINI-S3", "------", "", "", "63", "Link", "Hold", "M0",
                                         "", "Hold"}));
     EXPECT_EQ(f.Text2[kMiniFieldsPerRow + kStations], "");
     f.Text2[kStartIo] = "0";  // saved back, the device in no range is no device
-    WriteMINI(f, image, ContextFor("A2U"));
+    WriteMINI(f, image, test::ContextFor("A2U"));
     EXPECT_EQ(Bytes(image.data() + 2322, image.data() + 2328),
               (Bytes{0x00, 0x21, 0xBF, 0xFF, 0xFF, 0xFF}));
     image.SetParamWord(9, 2312);  // more modules than rows: none shown, and OK refuses
     MINIFields nine;
     nine.Text1 = "9";
-    EXPECT_EQ(ReadMINI(image, ContextFor("A2U")), nine);
-    EXPECT_EQ(test::RecordedErrors(ValidateMINI(nine, ContextFor("A2U"), 0)), "3:80");
+    EXPECT_EQ(ReadMINI(image, test::ContextFor("A2U")), nine);
+    EXPECT_EQ(test::RecordedErrors(ValidateMINI(nine, test::ContextFor("A2U"), 0)), "3:80");
 }
 
 }  // namespace

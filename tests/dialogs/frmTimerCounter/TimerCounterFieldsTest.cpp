@@ -13,10 +13,6 @@
 namespace gantrix {
 namespace {
 
-DialogContext Ctx(const std::string& cpu) {
-    return ContextOf(test::StateFor(cpu));
-}
-
 // Applies edits written as "Text1(0)=512 Combo1=D Text1(7)=" (an empty value empties).
 void Edit(TimerCounterFields& f, const std::string& edits) {
     std::map<std::string, std::string*> named = {
@@ -32,7 +28,7 @@ void Edit(TimerCounterFields& f, const std::string& edits) {
 
 // The fields of the default image of cpu with edits applied.
 TimerCounterFields Edited(const std::string& cpu, const std::string& edits) {
-    TimerCounterFields f = ReadTimerCounter(test::DefaultImage(cpu), Ctx(cpu));
+    TimerCounterFields f = ReadTimerCounter(test::DefaultImage(cpu), test::ContextFor(cpu));
     Edit(f, edits);
     return f;
 }
@@ -58,13 +54,13 @@ TEST(TimerCounterDevices, StoredAsCodesWithTheBasesOfTheirGroup) {
         const int word = TimerGroupOf(c.cpu) == TimerGroup::ExtendedU ? 2306 : 212;
         ParameterImage image = test::DefaultImage(c.cpu);
         image.SetParamWord(c.code, word);
-        const TimerCounterFields f = ReadTimerCounter(image, Ctx(c.cpu));
+        const TimerCounterFields f = ReadTimerCounter(image, test::ContextFor(c.cpu));
         EXPECT_EQ(f.Combo1 + " " + f.Text1[7], c.shown);
-        WriteTimerCounter(f, image, Ctx(c.cpu));
+        WriteTimerCounter(f, image, test::ContextFor(c.cpu));
         EXPECT_EQ(image.GetParamWord(word), c.shown == std::string(" ") ? 65535 : c.code);
     }
     ParameterImage image = test::DefaultImage("A3U");
-    WriteTimerCounter(Edited("A3U", "Combo1=W Text1(7)=1f"), image, Ctx("A3U"));
+    WriteTimerCounter(Edited("A3U", "Combo1=W Text1(7)=1f"), image, test::ContextFor("A3U"));
     EXPECT_EQ(image.GetParamWord(2306), 5120 + 31);
 }
 // clang-format on
@@ -84,12 +80,12 @@ TEST(TimerCounterRead, ShowsTheGroupsFieldsAndErasedWordsEmpty) {
              {"A2U", partition + second + "Combo2=R Text2(1)=40"}}) {
         TimerCounterFields expected;
         Edit(expected, fields);
-        EXPECT_EQ(ReadTimerCounter(image, Ctx(cpu)), expected) << cpu;
+        EXPECT_EQ(ReadTimerCounter(image, test::ContextFor(cpu)), expected) << cpu;
     }
     // 256 points or fewer hide the T256-2047 values; no points hide the T0-255 ones too.
     for (const auto& [points, field, shown] : {std::tuple{256, 4, ""}, {257, 4, "256"}, {0, 1, ""}}) {
         image.SetParamWord(points, 210);
-        EXPECT_EQ(ReadTimerCounter(image, Ctx("A3A")).Text1[field], shown) << points;
+        EXPECT_EQ(ReadTimerCounter(image, test::ContextFor("A3A")).Text1[field], shown) << points;
     }
 }
 // clang-format on
@@ -99,11 +95,11 @@ TEST(TimerCounterRead, ErasedImageOpensWith256PointsAndSavesErasedWords) {
     expected.Text1[0] = expected.Text2[0] = "256";
     for (const char* cpu : {"A3A", "A4U"}) {
         SCOPED_TRACE(cpu);
-        const TimerCounterFields f = ReadTimerCounter(Erased(), Ctx(cpu));
+        const TimerCounterFields f = ReadTimerCounter(Erased(), test::ContextFor(cpu));
         EXPECT_EQ(f, expected);
-        EXPECT_FALSE(ValidateTimerCounter(f, Ctx(cpu)).Any());
+        EXPECT_FALSE(ValidateTimerCounter(f, test::ContextFor(cpu)).Any());
         ParameterImage saved = Erased();
-        WriteTimerCounter(f, saved, Ctx(cpu));
+        WriteTimerCounter(f, saved, test::ContextFor(cpu));
         // Only the point counts (low byte 0, high byte 1) get a value; the rest stays 65535.
         const int w = TimerGroupOf(cpu) == TimerGroup::ExtendedU ? 2304 : 210;
         EXPECT_EQ(test::DifferingBytes(Erased(), saved),
@@ -131,7 +127,7 @@ TEST(TimerCounterWrite, WritesExactlyTheGroupsWords) {
         SCOPED_TRACE(c.cpu);
         const ParameterImage before = test::DefaultImage(c.cpu);
         ParameterImage after = before;
-        WriteTimerCounter(Edited(c.cpu, c.edits), after, Ctx(c.cpu));
+        WriteTimerCounter(Edited(c.cpu, c.edits), after, test::ContextFor(c.cpu));
         ParameterImage expected = before;
         for (const auto& [index, value] : c.words) expected.SetParamWord(value, index);
         EXPECT_EQ(test::DifferingBytes(expected, after), std::vector<int>{});
@@ -150,7 +146,7 @@ TEST(TimerCounterDefaults, ClearValuesPerGroup) {
                      "Combo1= Text2(0)=256 Text2(1)= Combo2="}}) {
         TimerCounterFields expected = filled;
         Edit(expected, changes);
-        EXPECT_EQ(DefaultsTimerCounter(filled, Ctx(cpu)), expected) << cpu;
+        EXPECT_EQ(DefaultsTimerCounter(filled, test::ContextFor(cpu)), expected) << cpu;
     }
 }
 
@@ -180,13 +176,13 @@ TEST(TimerCounterValidate, EachRuleWithItsMessageAndControl) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.edits);
-        EXPECT_EQ(test::RecordedErrors(ValidateTimerCounter(Edited(c.cpu, c.edits), Ctx(c.cpu))), c.recorded);
+        EXPECT_EQ(test::RecordedErrors(ValidateTimerCounter(Edited(c.cpu, c.edits), test::ContextFor(c.cpu))), c.recorded);
     }
 }
 // clang-format on
 
 // Latch pairs written "24=0-199 28=E-E": pair index, first and last word (E erased).
-std::vector<std::pair<int, std::pair<int, int>>> Pairs(const std::string& text) {
+std::vector<std::pair<int, std::pair<int, int>>> LatchPairs(const std::string& text) {
     std::vector<std::pair<int, std::pair<int, int>>> pairs;
     std::istringstream in(text);
     for (std::string token; in >> token;) {
@@ -225,14 +221,14 @@ TEST(TimerCounterWrite, LatchRangesFollowTheNewPartition) {
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.cpu) + " " + c.edits + " / " + c.before);
         const TimerCounterFields f = Edited(c.cpu, c.edits);
-        ASSERT_FALSE(ValidateTimerCounter(f, Ctx(c.cpu)).Any());
+        ASSERT_FALSE(ValidateTimerCounter(f, test::ContextFor(c.cpu)).Any());
         ParameterImage image = test::DefaultImage(c.cpu);
-        for (const auto& [pair, range] : Pairs(c.before)) {
+        for (const auto& [pair, range] : LatchPairs(c.before)) {
             image.SetParamWord(range.first, pair);
             image.SetParamWord(range.second, pair + 2);
         }
-        WriteTimerCounter(f, image, Ctx(c.cpu));
-        for (const auto& [pair, range] : Pairs(c.after)) {
+        WriteTimerCounter(f, image, test::ContextFor(c.cpu));
+        for (const auto& [pair, range] : LatchPairs(c.after)) {
             EXPECT_EQ(std::make_pair(image.GetParamWord(pair), image.GetParamWord(pair + 2)), range)
                 << "pair " << pair;
         }

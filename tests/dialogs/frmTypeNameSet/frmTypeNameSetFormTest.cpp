@@ -14,11 +14,11 @@ using test::PressKey;
 using test::TypeKeys;
 
 // The model-name dialog on its own over slots 0..7.
-struct Names {
+struct TypeNames {
     ModuleState state = test::StateFor("A3 ");
     IOLayoutFields assignment;
     std::unique_ptr<frmTypeNameSet> form;
-    explicit Names(std::vector<const char*> codes, std::vector<const char*> names = {}) {
+    explicit TypeNames(std::vector<const char*> codes, std::vector<const char*> names = {}) {
         for (size_t i = 0; i < codes.size(); ++i) assignment.codes[i] = codes[i];
         for (size_t i = 0; i < names.size(); ++i) assignment.names[i] = names[i];
         form = std::make_unique<frmTypeNameSet>(state, assignment);
@@ -31,7 +31,7 @@ struct Names {
 };
 
 TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
-    Names f({"X16", "X32", ""}, {"", "AX11"});
+    TypeNames f({"X16", "X32", ""}, {"", "AX11"});
     EXPECT_TRUE(f.assignment.namesEdited);
     EXPECT_EQ(test::LayoutFaults(f.form.get()), std::vector<std::string>{});
     EXPECT_EQ(test::Focused(), "Text1(0)");   // the page opens on its first row
@@ -59,7 +59,7 @@ TEST(frmTypeNameSet, TypedNamesAreCleanedAndACodeChangeEmptiesTheName) {
 }
 
 TEST(frmTypeNameSet, PagesOfEightStopAtBothEndsAndKeepTheirEdits) {
-    Names f({});
+    TypeNames f({});
     f.assignment.names[63] = "AD58";  // shown when its page comes
     f.assignment.codes[63] = "F64";
     PressKey(f.Code(0), Qt::Key_PageDown);
@@ -79,14 +79,14 @@ TEST(frmTypeNameSet, PagesOfEightStopAtBothEndsAndKeepTheirEdits) {
     PressKey(f.Code(0), Qt::Key_Escape);  // closes as Close does
     EXPECT_EQ(f.assignment.codes[8], "X16");
     EXPECT_EQ(f.assignment.names[8], "AX40");
-    Names g({"X16"});  // paging and closing alone are no edit
+    TypeNames g({"X16"});  // paging and closing alone are no edit
     PressKey(g.Code(0), Qt::Key_PageDown);
     g.form->Close->click();
     EXPECT_FALSE(g.state.DataChanged);
 }
 
 TEST(frmTypeNameSet, EnterAndArrowsMoveThroughTheGrid) {
-    Names f({"X16", "X16", "X16", "X16", "X16", "X16", "X16", "X16"});
+    TypeNames f({"X16", "X16", "X16", "X16", "X16", "X16", "X16", "X16"});
     const std::tuple<QWidget*, Qt::Key, QString> moves[] = {
         {f.Name(2), Qt::Key_Return, "Text1(3)"}, {f.Code(3), Qt::Key_Return, "Text1(4)"},
         {f.Name(7), Qt::Key_Return, "Close"},    {f.Code(3), Qt::Key_Right, "Combo1(3)"},

@@ -81,6 +81,10 @@ ModuleState StateFor(const std::string& cpuType, const std::string& projectDir) 
     return state;
 }
 
+DialogContext ContextFor(const std::string& cpuType) {
+    return ContextOf(StateFor(cpuType));
+}
+
 MessageButton ScriptedMessages::Present(const MessageBoxLook& box) {
     shown.push_back(box);
     if (answers.empty()) {

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "common/DialogContext.h"
 #include "common/ErrorTables.h"
 #include "common/Messages.h"
 #include "common/ModuleState.h"
@@ -55,6 +56,8 @@ ParameterImage DefaultImage(const std::string& cpuType);
 
 // A module state as a run for cpuType sets it up, the host libraries included.
 ModuleState StateFor(const std::string& cpuType, const std::string& projectDir = "");
+// The dialog context of a run on cpuType.
+DialogContext ContextFor(const std::string& cpuType);
 
 // Records every box; each takes the next queued answer, else its default button.
 class ScriptedMessages : public MessagePresenter {
