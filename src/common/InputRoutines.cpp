@@ -19,6 +19,10 @@ std::string Trim(const std::string& text) {
     return text.substr(first, last - first + 1);
 }
 
+bool IsBlank(const std::string& text) {
+    return Trim(text).empty();
+}
+
 std::string CutLeadingZero(const std::string& text) {
     if (text.size() < 2) return text;
     const auto first = text.find_first_not_of('0');

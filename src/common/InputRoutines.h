@@ -37,6 +37,8 @@ long HexToValue(const std::string& text);
 
 // Leading and trailing blanks removed (blanks only: tabs and other white space stay).
 std::string Trim(const std::string& text);
+// Whether text holds nothing but blanks.
+bool IsBlank(const std::string& text);
 
 // Decimal value of a field: blanks are skipped, digits are
 // read up to the first other character; an empty text is 0.

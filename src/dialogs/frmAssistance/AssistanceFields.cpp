@@ -24,7 +24,7 @@ constexpr int kRunWord = 176, kRunMask = 178;
 constexpr int kOutputMode = 180;
 constexpr int kIoControl = 181;
 constexpr int kEndManage = 140;
-constexpr int kComment = 208;
+constexpr int kCommentByte = 208;
 constexpr int kFuseCut = 164, kCalcErr = 169, kIOErr = 163, kActErr = 165;
 constexpr int kXYControlBytes[4] = {255, 15, 240, 0};
 constexpr int kContactBase = 32768;      // word of X0
@@ -32,10 +32,6 @@ constexpr size_t kRawContactDigits = 6;  // word and mask of a contact no X numb
 
 int Control(const char* name) {
     return GetControlNo("frmAssistance", name);
-}
-
-bool IsEmpty(const std::string& text) {
-    return Trim(text).empty();
 }
 
 // The X number of a contact text, or -1 for a text that is no hexadecimal number of at most
@@ -81,7 +77,7 @@ void ReadOption(const ParameterImage& image, int index, int& option) {
 // A first or last step relay: empty records 11, out of low..high 3.
 void CheckStepRelayBox(ErrorTables& errors, int control, const std::string& text, long low,
                        long high) {
-    if (IsEmpty(text)) {
+    if (IsBlank(text)) {
         errors.Record(11, control);
     } else {
         CheckAssistanceRange(errors, control, text, low, high);
@@ -210,7 +206,7 @@ AssistanceFields ReadAssistance(const ParameterImage& image, const DialogContext
     ReadOption(image, kIOErr, f.IOErr);
     ReadOption(image, kActErr, f.ActErr);
     if (layout.endManage && image[kEndManage] == 255) f.EndManageFlag = true;
-    if (layout.comment && image[kComment] == 1) f.CommentFlag = true;
+    if (layout.comment && image[kCommentByte] == 1) f.CommentFlag = true;
     if (layout.xyControl) {
         for (int i = 0; i < 4; ++i) {
             if (image[kIoControl] == kXYControlBytes[i]) f.XYControl = i;
@@ -222,7 +218,7 @@ AssistanceFields ReadAssistance(const ParameterImage& image, const DialogContext
 
 bool CheckAssistanceField(ErrorTables& errors, int control, const std::string& text, long min,
                           long max) {
-    if (IsEmpty(text)) {
+    if (IsBlank(text)) {
         errors.Record(2, control);
         return false;
     }
@@ -253,7 +249,7 @@ ErrorTables ValidateAssistance(const AssistanceFields& fields, const ParameterIm
         if (layout.extended) {
             const int end = Control("Text1(1)");
             CheckStepRelayBox(errors, end, fields.Text1[1], low, high);
-            if (!IsEmpty(fields.Text1[0]) && !IsEmpty(fields.Text1[1]) &&
+            if (!IsBlank(fields.Text1[0]) && !IsBlank(fields.Text1[1]) &&
                 ValueOf(fields.Text1[0]) > ValueOf(fields.Text1[1])) {
                 errors.Record(8, start);
                 errors.Record(8, end);
@@ -264,12 +260,12 @@ ErrorTables ValidateAssistance(const AssistanceFields& fields, const ParameterIm
     const long lastX = context.DeviceMaxSize['X'] - 1;
     const int contact[2] = {Control("Text2(0)"), Control("Text2(1)")};
     for (int i = 0; i < 2; ++i) {
-        if (IsEmpty(fields.Text2[i])) continue;
+        if (IsBlank(fields.Text2[i])) continue;
         const long value = ContactValue(fields.Text2[i]);
         if (value < 0 || value > lastX) errors.Record(3, contact[i]);
     }
     // A PAUSE contact works only beside a RUN contact: the missing RUN box is marked.
-    if (IsEmpty(fields.Text2[0]) && !IsEmpty(fields.Text2[1])) errors.Record(11, contact[0]);
+    if (IsBlank(fields.Text2[0]) && !IsBlank(fields.Text2[1])) errors.Record(11, contact[0]);
 
     if (layout.watchdog) CheckAssistanceField(errors, Control("Text3"), fields.Text3, 1, 200);
     return errors;
@@ -280,13 +276,13 @@ void WriteAssistance(const AssistanceFields& fields, ParameterImage& image,
     const AssistanceLayout layout = AssistanceLayoutOf(context.CpuType);
     WriteStepRelays(fields, image, context, layout.extended);
 
-    if (IsEmpty(fields.Text2[0])) {
+    if (IsBlank(fields.Text2[0])) {
         EraseContact(image, kRunWord, kRunMask);
         EraseContact(image, kPauseWord, kPauseMask);
         image[kContactsInUse] = 0;
     } else {
         PutContact(image, fields.Text2[0], kRunWord, kRunMask);
-        if (IsEmpty(fields.Text2[1])) {
+        if (IsBlank(fields.Text2[1])) {
             EraseContact(image, kPauseWord, kPauseMask);
             image[kContactsInUse] = 1;
         } else {
@@ -301,7 +297,7 @@ void WriteAssistance(const AssistanceFields& fields, ParameterImage& image,
     image[kIOErr] = fields.IOErr == 1 ? 1 : 0;
     image[kActErr] = fields.ActErr == 1 ? 1 : 0;
     if (layout.endManage) image[kEndManage] = fields.EndManageFlag ? 255 : 0;
-    if (layout.comment) image[kComment] = fields.CommentFlag ? 1 : 0;
+    if (layout.comment) image[kCommentByte] = fields.CommentFlag ? 1 : 0;
     if (layout.xyControl) {
         image[kIoControl] =
             static_cast<uint8_t>(kXYControlBytes[std::clamp(fields.XYControl, 0, 3)]);

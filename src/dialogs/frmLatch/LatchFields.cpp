@@ -59,10 +59,6 @@ LatchRowLimit Whole(int deviceSize) {
     return deviceSize > 0 ? LatchRowLimit{0, deviceSize - 1} : LatchRowLimit{};
 }
 
-bool IsEmpty(const std::string& text) {
-    return Trim(text).empty();
-}
-
 }  // namespace
 
 int LatchRowCount(const std::string& cpuType) {
@@ -152,13 +148,13 @@ void CheckLatchField(const LatchFields& fields, int box, int low, int high, Erro
     const bool hex = IsHexLatchBox(box);
     // A group that cannot be latched takes no number at all.
     if (low < 0 && high < 0) {
-        if (!IsEmpty(text)) errors.Record(8, control);
+        if (!IsBlank(text)) errors.Record(8, control);
         return;
     }
     // A range needs both ends: one number alone is an unfinished range, so the empty box is
     // the one painted, telling the user what is missing.
-    if (IsEmpty(text)) {
-        if (!IsEmpty(partner)) errors.Record(8, control);
+    if (IsBlank(text)) {
+        if (!IsBlank(partner)) errors.Record(8, control);
         return;
     }
     const long value = LatchBoxValue(text, hex);
@@ -170,7 +166,7 @@ void CheckLatchField(const LatchFields& fields, int box, int low, int high, Erro
     // one message and the device number is fixed before the order. A start above its end is
     // the error; start = end latches a single device.
     const bool isEnd = (box % 2) == 1;
-    if (isEnd && !IsEmpty(partner)) {
+    if (isEnd && !IsBlank(partner)) {
         const long start = LatchBoxValue(partner, hex);
         if (start >= low && start <= high && start > value) errors.Record(8, control);
     }
@@ -200,10 +196,10 @@ void WriteLatch(const LatchFields& fields, ParameterImage& image, const DialogCo
             // last M device; its step relay dialog owns the word, and only an erased word
             // under a latched L gets the shown end, which that dialog reads as "no step
             // relays" as well.
-            if (IsEmpty(text)) continue;
-            if (a0j && (IsEmpty(fields.Text1[0]) || !image.IsErased(word))) continue;
+            if (IsBlank(text)) continue;
+            if (a0j && (IsBlank(fields.Text1[0]) || !image.IsErased(word))) continue;
         }
-        const long value = IsEmpty(text) ? kErased : LatchBoxValue(text, IsHexLatchBox(box));
+        const long value = IsBlank(text) ? kErased : LatchBoxValue(text, IsHexLatchBox(box));
         image.SetParamWord(value, word);
     }
     if (rows == 12 && image.IsErased(kStepRelayWord)) image.SetParamWord(2048, kStepRelayWord);
