@@ -47,7 +47,8 @@ TEST(Rkcmnt, DeviceSizesFollowTheCpuOfTheSetupAndEndPositionsTheProjectsFile) {
     using End = std::pair<const char*, std::vector<int16_t>>;
     for (const auto& [text, expected] :
          {End{nullptr, {0, 0, 0, 0}}, End{"2049\n  100 7", {2049, 100, 7, 0}},
-          End{"12 x 5 5", {12, 0, 0, 0}}, End{"-3 40000", {0, 32767, 0, 0}}}) {
+          End{"12 x 5 5", {12, 0, 0, 0}}, End{"-3 40000", {0, 32767, 0, 0}},
+          End{"32767 32768", {32767, 32767, 0, 0}}}) {
         if (text) dir.WriteText("program.end", text);
         RkGetFileParameter(cpuText, &value, end);
         EXPECT_EQ(std::vector<int16_t>(end, end + 4), expected) << text;
