@@ -34,10 +34,14 @@ struct Walk {
             QAccessibleInterface* face = QAccessible::queryAccessibleInterface(w);
             const QString name = face->text(QAccessible::Name);
             if (name.trimmed().isEmpty()) faults.push_back(where + w->objectName() + " no name");
-            read[cpu + " " + (window->objectName() + " " + w->objectName()).toStdString()] =
+            // A spin button's arrows are read as "<spin button>.up" and "<spin button>.down".
+            QWidget* parent = w->parentWidget();
+            QString field = w->objectName();
+            if (auto* spin = qobject_cast<SpinButton*>(parent))
+                field = parent->objectName() + (w == spin->UpButton() ? ".up" : ".down");
+            read[cpu + " " + (window->objectName() + " " + field).toStdString()] =
                 name + " | " + face->text(QAccessible::Description);
             // Parts of a spin button or combo box, and push buttons, need no name of their own.
-            QWidget* parent = w->parentWidget();
             if (qobject_cast<SpinButton*>(parent) || qobject_cast<QComboBox*>(parent) ||
                 qobject_cast<SpinButton*>(w) || qobject_cast<QPushButton*>(w))
                 continue;
@@ -118,7 +122,9 @@ TEST(Accessibility, EveryFieldOfEveryWindowHasItsOwnName) {
         {"A3U frmLatch Text1(3)", "B, end | 0 to 1FFF"},
         {"A3U frmLatch Text1(6)", "T 10ms high speed, start | 200 to 255"},
         {"A3U frmLatch Text1(16)", "T 100ms low speed, second block, start | "},
-        {"A3U frmAssistance Text2(1)", "PAUSE, X | 0 to 7FF"}};
+        {"A3U frmAssistance Text2(1)", "PAUSE, X | 0 to 7FF"},
+        {"A3U frmAssistance VScroll2(1).up", "PAUSE, X, up | 0 to 7FF"},
+        {"A3U frmAssistance VScroll2(1).down", "PAUSE, X, down | 0 to 7FF"}};
     for (const auto& [field, text] : names)
         EXPECT_EQ(walk.read[field].toStdString(), text) << field;
 }
