@@ -49,6 +49,22 @@ struct Walk {
             if (!fresh)
                 faults.push_back(where + w->objectName() + " and " + it->second + " share " + name);
         }
+        // No field or caption lies over another, where a person could not read or click it.
+        std::vector<QWidget*> shown;
+        for (QWidget* w : window->findChildren<QWidget*>()) {
+            auto* label = qobject_cast<QLabel*>(w);
+            if ((IsField(w) || (label && !label->text().isEmpty())) && w->isVisibleTo(window))
+                shown.push_back(w);
+        }
+        for (std::size_t i = 0; i < shown.size(); ++i) {
+            for (std::size_t j = i + 1; j < shown.size(); ++j) {
+                QWidget *a = shown[i], *b = shown[j];
+                if (a->isAncestorOf(b) || b->isAncestorOf(a)) continue;
+                const QRect onA(a->mapTo(window, QPoint()), a->size());
+                if (onA.intersects(QRect(b->mapTo(window, QPoint()), b->size())))
+                    faults.push_back(where + a->objectName() + " lies over " + b->objectName());
+            }
+        }
         for (QLabel* label : window->findChildren<QLabel*>()) {
             QWidget* buddy = label->buddy();
             if (buddy == nullptr || !label->isVisibleTo(window)) continue;
