@@ -181,6 +181,9 @@ TEST(SpreadsheetNetwork, EditedBytesGoIntoTheWorkingFile) {
     window->Save->click();
     file = project.Read("param.$$$");
     EXPECT_TRUE(file[64] == 0x42 && file[1030] == 0x5A && window->Edits().empty());
+    EXPECT_EQ(
+        window->Status->text(),
+        QString("Saved 1 byte(s) into %1.").arg(QString::fromStdString(project.File("param.$$$"))));
     file[1031] = 0x77;
     project.Write("param.$$$", file);
     book->Activate();
