@@ -130,6 +130,16 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_NE(pages.back().find("3040"), std::string::npos);  // the last row of bytes
         EXPECT_TRUE(window->SaveXlsxTo(QString::fromStdString(project.File("report.xlsx"))));
         EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
+        // A workbook that cannot be written is a warning naming it, kept in the status line.
+        QString warned;
+        QTimer::singleShot(50, [&warned] {
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                warned = box->text(), box->accept();
+        });
+        const QString nowhere = QString::fromStdString(project.File("missing/report.xlsx"));
+        EXPECT_FALSE(window->SaveXlsxTo(nowhere));
+        EXPECT_TRUE(warned.contains(nowhere)) << warned.toStdString();
+        EXPECT_EQ(window->Status->text().toStdString(), warned.toStdString());
         application->SetWindowState(excel::kWindowMinimized);
         EXPECT_EQ(application->WindowState(), excel::kWindowMinimized);
         application->SetWindowState(excel::kWindowNormal);
