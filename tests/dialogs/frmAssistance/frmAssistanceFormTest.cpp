@@ -83,8 +83,16 @@ TEST(frmAssistance, RefusedBoxesArePaintedAndCancelAfterClearLeavesTheImage) {
     EXPECT_EQ(f->Text2[0]->text(), "1F");
     EXPECT_TRUE(f->FuseCut[1]->isChecked() && f->XYControl[3]->isChecked() &&
                 f->CommentFlag->isChecked() && !f.state.DataChanged);
-    PressKey(f->FuseCut[0], Qt::Key_Space);  // an option is a change too, which Cancel asks about
-    EXPECT_TRUE(f->FuseCut[0]->isChecked() && f.state.DataChanged);
+    // Each option is a change too, which Cancel asks about.
+    for (const auto& options : {f->OutputMode, f->CalcErr, f->IOErr, f->ActErr, f->FuseCut}) {
+        f.state.DataChanged = false;
+        QRadioButton* other = options[options[0]->isChecked() ? 1 : 0];
+        PressKey(other, Qt::Key_Space);
+        EXPECT_TRUE(other->isChecked() && f.state.DataChanged) << other->objectName().toStdString();
+    }
+    f.state.DataChanged = false;
+    PressKey(f->XYControl[0], Qt::Key_Space);
+    EXPECT_TRUE(f->XYControl[0]->isChecked() && f.state.DataChanged);
     Retype(f->Text2[0], "");
     TypeKeys(f->Text2[1], "FFF");  // a PAUSE contact above the last X, and no RUN contact
     PressKey(f->Text2[1], Qt::Key_End);
