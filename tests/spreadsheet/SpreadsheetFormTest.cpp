@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <QPrintPreviewWidget>
 #include <QPrinter>
 #include <QTest>
 #include <QtWidgets>
@@ -128,6 +129,17 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
                 EXPECT_NE(pages[p].find(part), std::string::npos) << p << part;
         EXPECT_NE(pages.front().find("Parameter setting data"), std::string::npos);
         EXPECT_NE(pages.back().find("3040"), std::string::npos);  // the last row of bytes
+        // The preview shows those pages.
+        int previewed = -1;
+        QTimer::singleShot(50, [&previewed] {
+            QWidget* preview = QApplication::activeModalWidget();
+            if (preview == nullptr) return;
+            if (auto* shown = preview->findChild<QPrintPreviewWidget*>())
+                previewed = shown->pageCount();
+            static_cast<QDialog*>(preview)->reject();
+        });
+        window->PrintPreview->click();
+        EXPECT_EQ(previewed, sheetOf.size());
         EXPECT_TRUE(window->SaveXlsxTo(QString::fromStdString(project.File("report.xlsx"))));
         EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
         // A workbook that cannot be written is a warning naming it, kept in the status line.
