@@ -93,6 +93,10 @@ TEST(frmStart, NewProjectByKeysIsMadeRunAndListedFirst) {
                 EXPECT_FALSE(QAccessible::queryAccessibleInterface(field)
                                  ->text(QAccessible::Name)
                                  .isEmpty());
+            PressKey(dialog, Qt::Key_C, Qt::AltModifier);  // each caption's letter
+            EXPECT_EQ(dialog->focusWidget(), test::Child(dialog, "Cpu"));
+            PressKey(dialog, Qt::Key_F, Qt::AltModifier);
+            EXPECT_EQ(dialog->focusWidget(), test::Child(dialog, "Folder"));
             test::Retype(test::ChildAs<QLineEdit>(dialog, "Folder"), Q(made));
             PressKey(test::Child(dialog, "Folder"), Qt::Key_Tab);
             PressKey(QApplication::focusWidget(), Qt::Key_Tab);  // past Browse... to the CPU type
@@ -180,6 +184,26 @@ TEST(frmStart, AFolderWithoutParamTmpIsRefusedAProjectRunsOnItsCpuType) {
         EXPECT_EQ(refusal == "damaged", status == 2);
         EXPECT_EQ(s.window->Status->text().toStdString(), project ? shown + folder : "");
     }
+}
+
+// The program's start: the window shown under the program's own desktop entry, whose icon and
+// name the desktop gives it, until it is closed.
+TEST(frmStart, TheStartRunsUntilTheWindowIsClosed) {
+    Start s;
+    QString shownAs;
+    QTimer stuck;  // no window to close; its timers go with the test
+    stuck.setSingleShot(true);
+    QObject::connect(&stuck, &QTimer::timeout, [] { QApplication::exit(9); });
+    stuck.start(5000);
+    QTimer::singleShot(100, &stuck, [&shownAs] {
+        for (QWidget* window : QApplication::topLevelWidgets()) {
+            if (qobject_cast<frmStart*>(window) == nullptr || !window->isVisible()) continue;
+            shownAs = QGuiApplication::desktopFileName();
+            window->close();
+        }
+    });
+    EXPECT_EQ(RunStartWindow(s.host), 0);
+    EXPECT_EQ(shownAs.toStdString(), "rkparam");
 }
 
 }  // namespace
