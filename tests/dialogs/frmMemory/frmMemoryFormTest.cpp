@@ -33,6 +33,8 @@ TEST(frmMemory, EveryEditRecomputesTheTotalAtOnceAndMarksTheDialogChanged) {
     EXPECT_EQ(m.Text5->text(), "44");
     Retype(m.Text2, "010");  // a leading zero goes as it is typed
     EXPECT_EQ(m.Text2->text() + m.CommentPoints->text(), "10(576Points)");
+    QWidget* frame = m.CommentPoints->parentWidget();  // the points stand under the field
+    EXPECT_EQ(m.CommentPoints->x(), m.Text2->mapTo(frame, QPoint()).x());
     Retype(m.Text4, "4");
     Click(m.SlatchFileFlag);
     // Spin buttons: 99 at the top, 0 at the bottom, so the up arrow raises the value.
