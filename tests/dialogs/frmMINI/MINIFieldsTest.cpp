@@ -81,7 +81,7 @@ TEST(MiniChecks, EachCellRule) {
         {"A3A", kDetection, "M9016", 0}, {"A3A", kDetection, "M9010", 11},
         {"A3U", kDetection, "M9256", 3}, {"A3U", kErrorNo, "D9256", 3}, {"A3U", kReceive, "M8176", 0},
         {"A3U", kReceive, "M8192", 3}, {"A3U", kReceive, "L100", 11}, {"A3U", kReceive, "S96", 0},
-        {"A2A", kReceive, "X200", 3}, {"A3U", kReceive, "X108", 11}, {"A3U", kReceive, "DA", 11},
+        {"A2A", kReceive, "X200", 3}, {"A3U", kReceive, "XA0", 0}, {"A3U", kReceive, "X108", 11}, {"A3U", kReceive, "DA", 11},
         {"A3U", kReceive, "D", 11}, {"A3U", kErrorNo, "W1FFF", 0}, {"A3A", kErrorNo, "W1000", 3},
         {"A3U", kErrorNo, "T2048", 3}, {"A3U", kErrorNo, "C1023", 0}, {"A3U", kErrorNo, "R0", 3},
         {"A3U", kErrorNo, "R8191", 0, 8192}, {"A3U", kErrorNo, "R8191", 3, 4096},  // file registers
@@ -101,6 +101,12 @@ TEST(MiniChecks, EachCellRule) {
         EXPECT_EQ(test::RecordedErrors(errors),
                   c.message ? std::to_string(c.message) + ":" + std::to_string(control) : "");
     }
+    // A model of neither name: that one message, the number of stations is not looked at.
+    MINIFields f = Modules({kGoodRow});
+    f.Text2[kModel] = "MINI-X";
+    f.Text2[kStations] = "99";
+    EXPECT_EQ(test::RecordedErrors(ValidateMINI(f, test::ContextFor("A3U"), 0)),
+              "11:" + std::to_string(MiniText2No(kModel)));
 }
 
 // X100 to the CPU, Y100 from it, special relays and registers for the error data, OFF data
