@@ -127,6 +127,7 @@ TEST(HeadlessSet, TypesValuesAsTheDialogTakesThemOrRefusesAndChangesNothing) {
         {"A3 ", {{"assist.io_verify_error", "Continue"}}, "assist.io_verify_error", "continue"},
         {"A2C", {{"remote.entry.2.start", "5"}, {"remote.entry.2.protocol", "1"}}, "remote.entry.2.protocol", "Non-procedure"},
         {"A0J", {{"latch.pattern", "Full Latch"}}, "latch.T.high.start", "80"},
+        {"A0J", {{"latch.pattern", "none"}}, "latch.pattern", "none"},  // shown as it was set
         {"A0J", {{"step_relay.enabled", "on"}}, "step_relay.enabled", "on"},
         {"A3U", {{"mini.modules", "2"}, {"mini.module.1.start_io", "0"}, {"mini.module.2.start_io", "20"},
                  {"mini.module.2.model", "0"}, {"mini.module.2.stations", "12"}, {"mini.module.2.receive", "x100"}}, "mini.module.2.receive", "X100"},

@@ -11,8 +11,9 @@ namespace gantrix::headless {
 inline std::string ShownValue(const ParameterImage& image, const DialogContext& context,
                               const std::string& key) {
     for (const ShownDialog& dialog : Show(image, context))
-        for (const ShownField& f : dialog.fields)
-            if (f.key == key) return f.value;
+        for (const auto* listed : {&dialog.actions, &dialog.fields})
+            for (const ShownField& f : *listed)
+                if (f.key == key) return f.value;
     return "(no such field)";
 }
 
