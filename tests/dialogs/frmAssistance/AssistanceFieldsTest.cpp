@@ -156,6 +156,9 @@ TEST(AssistanceBytes, ClearedAndEditedPerCpuTypeAndReadBack) {
         f.CommentFlag = layout.comment;
         if (!layout.xyControl) f.XYControl = 0;
         EXPECT_EQ(ReadAssistance(image, context), f);
+        f.Text2 = {"", ""};  // no contact at all: the RUN contact's bytes go too
+        WriteAssistance(f, image, context);
+        EXPECT_TRUE(image.GetParamWord(176) == kErased && image[178] == 255 && image[170] == 0);
     }
     // Values no option stands for leave the controls as designed.
     ParameterImage image = test::DefaultImage("A3H");
