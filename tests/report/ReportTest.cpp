@@ -74,7 +74,7 @@ TEST(ParameterReport, OneSheetPerDialogWithTheDialogsValues) {
          {"Before operation", "Fuse blown", "Stop"}, {"Number of Modules", "No module is set."},
          {"Empty (byte 1024 is 0)", "No network parameters", ", the sum"}},
         {{"2 K steps", "8 K bytes (448Points)"}, {"100", "199"}, {"I3", "C227"},
-         {"X16", "Input module", "AX41", "Y32", "Output module"}, {"RUN", "X1F", "X2F"},
+         {"X16", "Input module</td>", "AX41", "Y32", "Output module</td>"}, {"RUN", "X1F", "X2F"},
          {"1A0", "X100", "M9016", "D9010", "<td>OFF</td></tr>"},
          {"Holds network", "MORNET II mode (byte 2560 = 42)", ", not the sum",
           "<td>1024</td><td>01</td>", "<td>FF</td><td>5A</td>"}}};
