@@ -131,7 +131,7 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_NE(pages.back().find("3040"), std::string::npos);  // the last row of bytes
         // The preview shows those pages.
         int previewed = -1;
-        QTimer::singleShot(50, [&previewed] {
+        QTimer::singleShot(50, window, [&previewed] {
             QWidget* preview = QApplication::activeModalWidget();
             if (preview == nullptr) return;
             if (auto* shown = preview->findChild<QPrintPreviewWidget*>())
@@ -144,7 +144,7 @@ TEST(SpreadsheetApplication, WorkbookLivesUntilItsWindowCloses) {
         EXPECT_TRUE(window->Status->text().startsWith("Saved ") && project.Exists("report.xlsx"));
         // A workbook that cannot be written is a warning naming it, kept in the status line.
         QString warned;
-        QTimer::singleShot(50, [&warned] {
+        QTimer::singleShot(50, window, [&warned] {
             if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
                 warned = box->text(), box->accept();
         });

@@ -81,8 +81,9 @@ TEST(MiniChecks, EachCellRule) {
         {"A3A", kDetection, "M9016", 0}, {"A3A", kDetection, "M9010", 11},
         {"A3U", kDetection, "M9256", 3}, {"A3U", kErrorNo, "D9256", 3}, {"A3U", kReceive, "M8176", 0},
         {"A3U", kReceive, "M8192", 3}, {"A3U", kReceive, "L100", 11}, {"A3U", kReceive, "S96", 0},
-        {"A2A", kReceive, "X200", 3}, {"A3U", kReceive, "XA0", 0}, {"A3U", kReceive, "X108", 11}, {"A3U", kReceive, "DA", 11},
-        {"A3U", kReceive, "D", 11}, {"A3U", kErrorNo, "W1FFF", 0}, {"A3A", kErrorNo, "W1000", 3},
+        {"A2A", kReceive, "X200", 3}, {"A3U", kReceive, "XA0", 0}, {"A3U", kReceive, "X108", 11},
+        {"A3U", kReceive, "DA", 11}, {"A3U", kReceive, "D", 11}, {"A3U", kErrorNo, "W1FFF", 0},
+        {"A3A", kErrorNo, "W1000", 3},
         {"A3U", kErrorNo, "T2048", 3}, {"A3U", kErrorNo, "C1023", 0}, {"A3U", kErrorNo, "R0", 3},
         {"A3U", kErrorNo, "R8191", 0, 8192}, {"A3U", kErrorNo, "R8191", 3, 4096},  // file registers
         {"A3U", kRetries, "", 2}, {"A3U", kRetries, "33", 3}, {"A3U", kRetries, "0", 0},
