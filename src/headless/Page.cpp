@@ -127,7 +127,7 @@ std::optional<std::string> Page::Type(const FieldRef& field, const std::string& 
             case Cleaning::Hex:
                 CheckHexText(box);
                 cleaned = box.text;
-                if (cleaned.empty() && !Trim(text).empty()) {
+                if (cleaned.empty() && !IsBlank(text)) {
                     return "takes a hexadecimal number, not \"" + text + "\"";
                 }
                 break;

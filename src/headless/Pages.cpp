@@ -246,7 +246,7 @@ class TimerCounterPage : public Page {
         }
         const std::string& letter = field.id == kText1 + 7 ? f_.Combo1 : f_.Combo2;
         cleaned = CleanStartNumber(letter, text);
-        if (cleaned.empty() && !Trim(text).empty() &&
+        if (cleaned.empty() && !IsBlank(text) &&
             text.find_first_not_of("0 ") != std::string::npos) {
             return std::string("takes a ") + (letter == "W" ? "hexadecimal" : "decimal") +
                    " number, not \"" + text + "\"";
@@ -528,7 +528,7 @@ class RemotePage : public Page {
     std::optional<std::string> Clean(const FieldRef&, const std::string& text,
                                      std::string& cleaned) override {
         cleaned = CleanProtocolText(text, false);
-        if (cleaned.empty() && !Trim(text).empty()) {
+        if (cleaned.empty() && !IsBlank(text)) {
             return "takes 0 (" + MiniStandardName() + ") or 1 (" + NonProcedureName() +
                    "), not \"" + text + "\"";
         }
@@ -581,7 +581,7 @@ class MINIPage : public Page {
                                      std::string& cleaned) override {
         const int f = field.id % kMiniFieldsPerRow;
         cleaned = NormaliseCell(f, text, f_.Text2[field.id - f + kModel]);
-        if (cleaned.empty() && !Trim(text).empty() &&
+        if (cleaned.empty() && !IsBlank(text) &&
             text.find_first_not_of("0 ") != std::string::npos) {
             return "does not take \"" + text + "\"";
         }

@@ -221,7 +221,7 @@ void frmAssistance::BuildControls() {
         for (QToolButton* arrow : {b->spin->UpButton(), b->spin->DownButton()}) {
             connect(arrow, &QToolButton::clicked, this, [this, b] {
                 Guard([this, b] {
-                    if (Trim(b->text->text().toStdString()).empty()) VScroll_Change(*b);
+                    if (IsBlank(b->text->text().toStdString())) VScroll_Change(*b);
                 });
             });
         }

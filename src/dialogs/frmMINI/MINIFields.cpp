@@ -156,7 +156,7 @@ int DeviceMessage(int field, const std::string& text, MiniGroup group, const Dia
 bool CheckMINIRange(ErrorTables& errors, int control, const std::string& text, long low,
                     long high) {
     if (errors.ControlHasError(control)) return true;
-    if (Trim(text).empty()) {
+    if (IsBlank(text)) {
         errors.Record(kMessageInputAValue, control);
         return false;
     }
@@ -183,7 +183,7 @@ void ValidateRow(ErrorTables& errors, const std::string* row, int k, MiniGroup g
                  const DialogContext& context, int rPoints) {
     const MiniNames& names = MiniName();
     const auto no = [k](int field) { return MiniText2No(k + field); };
-    const auto filled = [row](int field) { return !Trim(row[field]).empty(); };
+    const auto filled = [row](int field) { return !IsBlank(row[field]); };
     const auto needed = [&](int field) {
         if (filled(field)) return true;
         errors.Record(kMessageInputAValue, no(field));
@@ -448,7 +448,7 @@ std::array<uint8_t, kMiniRecordSize> EncodeRecord(MiniGroup group, const std::st
     static constexpr int kDeviceFields[4] = {kReceive, kSend, kDetection, kErrorNo};
     for (int d = 0; d < 4; ++d) {
         const std::string& cell = row[kDeviceFields[d]];
-        if (!Trim(cell).empty()) flags |= 8 << d;
+        if (!IsBlank(cell)) flags |= 8 << d;
         const long code = CalculateAddress(group, cell);
         r[4 + 2 * d] = static_cast<uint8_t>(code & 0xFF);
         r[5 + 2 * d] = static_cast<uint8_t>((code >> 8) & 0xFF);

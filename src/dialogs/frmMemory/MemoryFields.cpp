@@ -249,7 +249,7 @@ bool CheckMemoryField(const MemoryFields& fields, int control, int min, int max,
         errors.Record(message, MemoryControlNo(control));
         return false;
     };
-    if (Trim(TextOf(fields, control)).empty()) return fail(kMessageInputAValue);
+    if (IsBlank(TextOf(fields, control))) return fail(kMessageInputAValue);
     const long v = Value(fields, control);
     const bool outside = v < min || v > max;
     if (control == kComment || control == kExtComment) {
