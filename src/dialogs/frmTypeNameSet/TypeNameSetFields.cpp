@@ -36,7 +36,9 @@ int ModelNameSymbol(char c) {
 ModelNameRecord PackModelName(const std::string& name) {
     std::array<int, kModelNameLength> codes;
     codes.fill(kBlank);
-    for (size_t i = 0; i < name.size() && i < codes.size(); ++i) {
+    // Letters past the ninth are not packed.
+    const size_t packed = std::min(name.size(), codes.size());
+    for (size_t i = 0; i < packed; ++i) {
         const int code = ModelNameSymbol(Upper(name[i]));
         codes[i] = code < 0 ? kBlank : code;
     }
