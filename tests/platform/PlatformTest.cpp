@@ -66,6 +66,9 @@ TEST(Rkpara, IoPointsAndTheMicrocomputerFile) {
         slots[9] = static_cast<unsigned char>(slot9);  // S0 and steps above 4 have no points
         EXPECT_EQ(RkCheckIoAssign(slots, network), result) << slot9;
     }
+    slots[9] = 0;
+    slots[128] = 0x24;  // the byte after the last slot is not a slot
+    EXPECT_EQ(RkCheckIoAssign(slots, network), 0);
     test::TempDir project;
     std::string micro = project.File("Mmicro.bin");
     EXPECT_EQ(RkCheckMicro(micro.data(), 0, 0), 0);
