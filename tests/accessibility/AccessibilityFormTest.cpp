@@ -4,7 +4,17 @@
 
 #include <gtest/gtest.h>
 
-#include <QtWidgets>
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QTimer>
+#include <QToolButton>
 #include <map>
 #include <set>
 

@@ -1,10 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QDate>
+#include <QDialog>
+#include <QLabel>
+#include <QLayout>
+#include <QMessageBox>
 #include <QPrintPreviewWidget>
 #include <QPrinter>
+#include <QPushButton>
+#include <QTableWidget>
 #include <QTest>
-#include <QtWidgets>
+#include <QTimer>
 #include <cstdlib>
 #include <sstream>
 #include <tuple>
